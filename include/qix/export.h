@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what libqix shows to others; everything else in the library is hidden.
+#define QIX_EXPORT __attribute__((visibility("default")))

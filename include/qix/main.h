@@ -1,0 +1,19 @@
+#pragma once
+
+#include <qix/export.h>
+
+namespace qix
+{
+
+/// What a test executable's main does: takes the character type of the locale from the
+/// environment and hands the arguments behind the program's name to CConsoleTestRunner::doMain().
+///
+/// Without arguments, and with a standard input that is at its end already (closed, /dev/null, an
+/// empty file, a pipe that nobody writes to any more), it prints how to select tests instead of
+/// opening a menu that nobody can answer. An exception that leaves the run ends in one line on
+/// standard error.
+/// \return the exit status: 0 when no test failed; 1 when one failed, a selection was refused or
+///         the working directory could not be entered; 2 when nothing could be run
+QIX_EXPORT int runMain(int argc, char** argv);
+
+} // namespace qix

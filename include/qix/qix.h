@@ -1,0 +1,14 @@
+#pragma once
+
+/// \file
+/// Everything of the test framework.
+
+#include <qix/CConsoleTestRunner.h>
+#include <qix/CTestAbortedException.h>
+#include <qix/CTestItemGroup.h>
+#include <qix/CTestSkippedException.h>
+#include <qix/ITestItem.h>
+#include <qix/ITestItemFactory.h>
+#include <qix/ITestRunner.h>
+#include <qix/export.h>
+#include <qix/main.h>

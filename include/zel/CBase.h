@@ -1,0 +1,50 @@
+#pragma once
+
+#include <zel/IBase.h>
+
+#include <atomic>
+#include <cstdint>
+
+namespace zel
+{
+
+/// The one implementation of reference counting: every shared class derives from it.
+///
+/// An object is born with the count 1, which the creator owns and normally hands to a zel::P.
+/// An object may also live as a local variable; then nobody releases its first reference.
+class ZEL_EXPORT CBase : public virtual IBase
+{
+public:
+    /// Starts with the count 1.
+    CBase() noexcept;
+
+    /// A copy is an object of its own: its count starts at 1, whatever the other's is.
+    CBase(CBase const& other) noexcept;
+
+    /// Keeps the own count: references belong to the object, not to its value.
+    CBase& operator=(CBase const& other) noexcept;
+
+    virtual ~CBase();
+
+    void addRef() const override;
+
+    /// Gives one reference back and calls deleteThis() with the last one.
+    ///
+    /// While the object is being destroyed its count is -1073741824 or near it, so a reference
+    /// taken and given back by a destructor does not destroy the object a second time.
+    void release() const override;
+
+    /// Always true.
+    bool checkCastAllowed(std::type_info const& type) const override;
+
+    /// Destroys the object with `delete`. A class whose objects come from elsewhere overrides it.
+    virtual void deleteThis();
+
+    /// The number of references, for tests and diagnostics: another thread may change it at once.
+    std::int32_t getRefCount() const noexcept { return m_refCount.load(); }
+
+private:
+    mutable std::atomic<std::int32_t> m_refCount{1};
+};
+
+} // namespace zel

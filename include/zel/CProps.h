@@ -1,0 +1,39 @@
+#pragma once
+
+#include <zel/CBase.h>
+#include <zel/String.h>
+
+#include <map>
+
+namespace zel
+{
+
+/// Named properties, ordered by name: what an error tells beside its message.
+class ZEL_EXPORT CProps : public CBase
+{
+public:
+    using Map = std::map<String, String>;
+
+    /// No properties.
+    CProps();
+    CProps(CProps const& other);
+    CProps& operator=(CProps const& other) = default;
+    ~CProps() override;
+
+    /// Sets the property \p name, replacing a value that it already has.
+    void set(String const& name, String const& value);
+
+    /// The value of the property \p name, or \p defaultValue when there is none.
+    String get(String const& name, String const& defaultValue) const;
+
+    bool isEmpty() const noexcept { return m_values.empty(); }
+
+    /// Pairs of name and value, in ascending order of the names.
+    Map::const_iterator begin() const noexcept { return m_values.begin(); }
+    Map::const_iterator end() const noexcept { return m_values.end(); }
+
+private:
+    Map m_values;
+};
+
+} // namespace zel

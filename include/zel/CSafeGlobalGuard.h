@@ -1,0 +1,21 @@
+#pragma once
+
+#include <zel/export.h>
+
+namespace zel
+{
+
+/// Tells whether the construction of one safe global has been started. It outlives the global,
+/// so that a construction that failed can be tried again. Guarded by the global mutex.
+class ZEL_EXPORT CSafeGlobalGuard
+{
+public:
+    bool isStarted() const noexcept { return m_started != 0; }
+    void setStarted() noexcept { m_started = 1; }
+    void reset() noexcept { m_started = 0; }
+
+private:
+    unsigned char m_started = 0;
+};
+
+} // namespace zel

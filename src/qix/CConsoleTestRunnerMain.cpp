@@ -1,0 +1,122 @@
+#include <qix/CConsoleTestRunner.h>
+#include <qix/CTestItemGroup.h>
+#include <zel/CSystemAccountManager.h>
+#include <zel/P.h>
+#include <zel/String.h>
+
+#include <wx/filefn.h>
+#include <wx/log.h>
+#include <wx/utils.h>
+
+#include <cstdlib>
+#include <optional>
+
+#include <sys/stat.h>
+
+namespace qix
+{
+
+namespace
+{
+
+char const workDirectoryVariable[] = "QIX_TESTWORKDIR";
+
+/// The base folder as text, or nothing when the locale cannot decode the variable: a path that
+/// does not give the variable's own bytes again would lead to some other folder.
+std::optional<zel::String> readBaseFolder()
+{
+    wxString folder;
+    if (!wxGetEnv(workDirectoryVariable, &folder))
+    {
+        return zel::String("testWork");
+    }
+    char const* const bytes = std::getenv(workDirectoryVariable);
+    if (std::string(folder.fn_str()) != bytes)
+    {
+        return std::nullopt;
+    }
+    return zel::String(folder);
+}
+
+zel::String readUserName()
+{
+    zel::String name;
+    try
+    {
+        name = zel::CSystemAccountManager::get()->getProcessUserName();
+    }
+    catch (std::exception const&)
+    {
+        // A user without an entry in the account database can still run tests.
+        name.clear();
+    }
+    return name.empty() ? zel::String("_") : name;
+}
+
+/// What fails here shows when the folder is entered.
+void ensureFolder(zel::String const& folder)
+{
+    constexpr mode_t everythingAllowed = 0777;
+    if (!wxDirExists(folder))
+    {
+        static_cast<void>(mkdir(folder.fn_str(), everythingAllowed));
+    }
+}
+
+void printCannotEnter(std::string const& folder)
+{
+    std::puts(("Error: could not change working directory to '" + folder + "'").c_str());
+}
+
+bool enterWorkDirectory()
+{
+    std::optional<zel::String> const baseFolder = readBaseFolder();
+    if (!baseFolder)
+    {
+        printCannotEnter(std::getenv(workDirectoryVariable) + ("/" + readUserName()).toCPSafe());
+        return false;
+    }
+    ensureFolder(*baseFolder);
+    zel::String const folder = *baseFolder + "/" + readUserName();
+    ensureFolder(folder);
+    wxLogNull const printNothingOfItsOwn;
+    if (!wxSetWorkingDirectory(folder))
+    {
+        printCannotEnter(folder.toCPSafe());
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool CConsoleTestRunner::doMain(int argc, char const** argv)
+{
+    if (!enterWorkDirectory())
+    {
+        return false;
+    }
+    zel::P<CTestItemGroup> const root = CTestItemGroup::global();
+    CConsoleTestRunner runner(root.get());
+    if (argc <= 0)
+    {
+        runner.doMenu();
+    }
+    else if (!runner.applyArguments(argc, argv))
+    {
+        return false;
+    }
+    return runner.go();
+}
+
+bool CConsoleTestRunner::applyArguments(int argc, char const** argv)
+{
+    bool accepted = true;
+    for (int i = 0; i < argc; ++i)
+    {
+        accepted = handleSelectionInput(argv[i]) && accepted;
+    }
+    return accepted;
+}
+
+} // namespace qix

@@ -1,0 +1,6 @@
+#include <qix/main.h>
+
+int main(int argc, char** argv)
+{
+    return qix::runMain(argc, argv);
+}
