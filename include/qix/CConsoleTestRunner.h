@@ -164,6 +164,8 @@ private:
     void writeReport();
 
     bool applyArguments(int argc, char const** argv);
+    bool applyToken(std::string const& token, std::vector<std::string>& searchTerms);
+    bool applySearchWord(std::string const& word, std::vector<std::string>& searchTerms);
     bool applyNumbers(std::string const& token, std::string const& numbers);
     bool applyNumber(std::string const& number);
     bool applyRange(std::string const& numbers, std::size_t separator);

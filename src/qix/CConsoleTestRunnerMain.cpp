@@ -6,10 +6,13 @@
 
 #include <wx/filefn.h>
 #include <wx/log.h>
+#include <wx/strconv.h>
 #include <wx/utils.h>
 
 #include <cstdlib>
 #include <optional>
+#include <stdexcept>
+#include <string>
 
 #include <sys/stat.h>
 
@@ -68,6 +71,20 @@ void printCannotEnter(std::string const& folder)
     std::puts(("Error: could not change working directory to '" + folder + "'").c_str());
 }
 
+/// A folder that the locale cannot write leaves an empty line.
+void printCannotEnter(zel::String const& folder)
+{
+    wxCharBuffer const bytes = folder.mb_str(wxConvLocal);
+    if (bytes.length() == 0)
+    {
+        std::puts("");
+    }
+    else
+    {
+        printCannotEnter(std::string(bytes.data(), bytes.length()));
+    }
+}
+
 bool enterWorkDirectory()
 {
     std::optional<zel::String> const baseFolder = readBaseFolder();
@@ -82,10 +99,20 @@ bool enterWorkDirectory()
     wxLogNull const printNothingOfItsOwn;
     if (!wxSetWorkingDirectory(folder))
     {
-        printCannotEnter(folder.toCPSafe());
+        printCannotEnter(folder);
         return false;
     }
     return true;
+}
+
+/// The text of the error is a promise; the standard library's own has changed over time.
+std::string toLine(char const* argument)
+{
+    if (argument == nullptr)
+    {
+        throw std::logic_error("basic_string::_M_construct null not valid");
+    }
+    return argument;
 }
 
 } // namespace
@@ -114,7 +141,7 @@ bool CConsoleTestRunner::applyArguments(int argc, char const** argv)
     bool accepted = true;
     for (int i = 0; i < argc; ++i)
     {
-        accepted = handleSelectionInput(argv[i]) && accepted;
+        accepted = handleSelectionInput(toLine(argv[i])) && accepted;
     }
     return accepted;
 }

@@ -105,26 +105,7 @@ bool CConsoleTestRunner::handleSelectionInput(std::string const& line)
         else
         {
             std::string const token = line.substr(position, line.find(' ', position) - position);
-            std::string const numbers = leadingNumbers(token);
-            std::string const rest = token.substr(numbers.size());
-            if (!numbers.empty() && !applyNumbers(token, numbers))
-            {
-                accepted = false;
-            }
-            if (!rest.empty() && !applyKeyword(rest))
-            {
-                std::string const word = toLower(rest);
-                if (hasSign(word))
-                {
-                    applySearchSelection(word);
-                }
-                else
-                {
-                    std::printf("Search term: %s\n", word.c_str());
-                    searchTerms.push_back(word);
-                    accepted = false;
-                }
-            }
+            accepted = applyToken(token, searchTerms) && accepted;
             tokenSeen = true;
             position += token.size();
         }
@@ -136,9 +117,33 @@ bool CConsoleTestRunner::handleSelectionInput(std::string const& line)
     if (!tokenSeen)
     {
         std::puts("Nothing selected.");
-        accepted = false;
     }
-    return accepted;
+    return accepted && tokenSeen;
+}
+
+/// Numbers may stand in front of a keyword or a search word in one token.
+bool CConsoleTestRunner::applyToken(std::string const& token, std::vector<std::string>& searchTerms)
+{
+    std::string const numbers = leadingNumbers(token);
+    std::string const word = token.substr(numbers.size());
+    bool const numbersAccepted = numbers.empty() || applyNumbers(token, numbers);
+    bool const wordAccepted =
+        word.empty() || applyKeyword(word) || applySearchWord(toLower(word), searchTerms);
+    return numbersAccepted && wordAccepted;
+}
+
+/// A line with a plain search word lists tests and is refused, so that nothing is run by it.
+bool CConsoleTestRunner::applySearchWord(std::string const& word,
+                                         std::vector<std::string>& searchTerms)
+{
+    if (hasSign(word))
+    {
+        applySearchSelection(word);
+        return true;
+    }
+    std::printf("Search term: %s\n", word.c_str());
+    searchTerms.push_back(word);
+    return false;
 }
 
 bool CConsoleTestRunner::applyNumbers(std::string const& token, std::string const& numbers)
