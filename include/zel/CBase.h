@@ -24,7 +24,7 @@ public:
     /// Keeps the own count: references belong to the object, not to its value.
     CBase& operator=(CBase const& other) noexcept;
 
-    virtual ~CBase();
+    ~CBase() override;
 
     void addRef() const override;
 
