@@ -1,4 +1,5 @@
-# What every target of the project is built with: qix_options(<target>...).
+# What every target of the project is built with: qix_options(<target>...), and what a library of
+# the project shows to others: qix_exports(<target>).
 
 function(qix_options)
     foreach(target IN LISTS ARGN)
@@ -18,4 +19,13 @@ function(qix_options)
             target_link_options(${target} PRIVATE -fsanitize=${QIX_SANITIZE})
         endif()
     endforeach()
+endfunction()
+
+# The names to show are in exports.map beside the library's CMakeLists.txt. Visibility alone does
+# not do it: it leaves every function template of the standard library in sight whose arguments are
+# visible, and those differ from compiler to compiler.
+function(qix_exports target)
+    set(map "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${map}")
 endfunction()

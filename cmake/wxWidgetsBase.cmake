@@ -1,14 +1,23 @@
-# Defines wx::base, the base library of wxWidgets and nothing of a graphical toolkit.
+# Defines wx::base, the base library of wxWidgets and nothing of a graphical toolkit. Where that is
+# not installed there is no such target, and the caller says what that means to it.
 #
 # CMake's own module gives variables only, and its headers are marked as the system's here, so that
-# their warnings stay theirs.
+# their warnings stay theirs. It works in a function, since a project around this one may have
+# looked for other parts of wxWidgets and still need the variables that this gave it.
 
-if(NOT TARGET wx::base)
-    find_package(wxWidgets 3.0 REQUIRED COMPONENTS base)
+function(qix_define_wx_base)
+    find_package(wxWidgets 3.0 QUIET COMPONENTS base)
+    if(NOT wxWidgets_FOUND)
+        return()
+    endif()
     add_library(wx::base INTERFACE IMPORTED)
     set_target_properties(wx::base PROPERTIES
         INTERFACE_INCLUDE_DIRECTORIES "${wxWidgets_INCLUDE_DIRS}"
         INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${wxWidgets_INCLUDE_DIRS}"
         INTERFACE_LINK_LIBRARIES "${wxWidgets_LIBRARIES}"
         INTERFACE_COMPILE_DEFINITIONS "${wxWidgets_DEFINITIONS};wxUSE_GUI=0")
+endfunction()
+
+if(NOT TARGET wx::base)
+    qix_define_wx_base()
 endif()

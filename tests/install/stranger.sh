@@ -1,0 +1,69 @@
+#!/bin/bash
+# Builds and runs a project that has nothing of this tree but what a user has.
+# Usage: stranger.sh findPackage | addSubdirectory | pkgConfig
+# The environment tells the rest: QIX_SOURCE, QIX_BUILD, CMAKE, CMAKE_GENERATOR, CXX, CXXFLAGS.
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+strictly=(-Wall -Wextra -Wpedantic -Wshadow -Werror)
+folder=$(mktemp -d "${TMPDIR:-/tmp}/a stranger XXXXXX")
+trap 'rm -rf "$folder"' EXIT
+
+# Everything but the sources is moved away from where it was installed: nothing may point there.
+installQix()
+{
+    "$CMAKE" --install "$QIX_BUILD" --prefix "$folder/first prefix" >/dev/null
+    mv "$folder/first prefix" "$folder/prefix"
+}
+
+buildWithCMake() # <options of the first cmake>...
+{
+    "$CMAKE" -S "$folder" -B "$folder/build" -DCMAKE_BUILD_TYPE=Debug "$@"
+    "$CMAKE" --build "$folder/build"
+}
+
+runTests()
+{
+    (cd "$folder" && "$@" '*') | tee "$folder/output"
+    grep -qx '1 OK, 0 Failed, 0 Aborted, 0 Skipped' "$folder/output"
+    test -s "$folder/testWork/$(id -un)/testLog.txt"
+}
+
+findPackage()
+{
+    installQix
+    cp "$here/findPackage/CMakeLists.txt" "$folder"
+    buildWithCMake "-DCMAKE_PREFIX_PATH=$folder/prefix"
+    runTests build/ledgerTest
+}
+
+addSubdirectory()
+{
+    cp "$here/addSubdirectory/CMakeLists.txt" "$folder"
+    ln -s "$QIX_SOURCE" "$folder/qix"
+    buildWithCMake -DCMAKE_CXX_FLAGS_DEBUG=-O0
+    runTests build/ledgerTest
+    expectOnlyOwnTests
+}
+
+expectOnlyOwnTests()
+{
+    "$CMAKE" -E chdir "$folder/build" ctest -N | tee "$folder/tests"
+    grep -qx 'Total Tests: 1' "$folder/tests"
+}
+
+pkgConfig()
+{
+    installQix
+    export PKG_CONFIG_PATH
+    PKG_CONFIG_PATH=$(dirname "$(find "$folder/prefix" -name qix.pc)")
+    local flags
+    # pkg-config writes its words as a shell reads them.
+    eval "flags=($(pkg-config --cflags --libs qix))"
+    # shellcheck disable=SC2086  # the flags of the build are several words
+    "$CXX" ${CXXFLAGS-} "${strictly[@]}" -o "$folder/ledgerTest" "$folder/ledgerTest.cpp" "${flags[@]}"
+    runTests env "LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH")" ./ledgerTest
+}
+
+cp "$here/ledgerTest.cpp" "$folder"
+"$1"
