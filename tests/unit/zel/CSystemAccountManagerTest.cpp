@@ -1,0 +1,113 @@
+#include <zel/CError.h>
+#include <zel/CSystemAccountManager.h>
+
+#include "FakeAccounts.h"
+#include "Locale.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <string>
+
+namespace
+{
+
+using test::FakeAccounts;
+using zel::CSystemAccountManager;
+using zel::String;
+
+using CSystemAccountManagerInUtf8Locale = test::Utf8LocaleTest;
+
+String getName()
+{
+    return CSystemAccountManager::get()->getProcessUserName();
+}
+
+/// The message of the error that the query ends with.
+std::string failToGetName()
+{
+    try
+    {
+        return "no error, but the name " + getName().toCPSafe();
+    }
+    catch (zel::CError const& e)
+    {
+        return e.what();
+    }
+}
+
+TEST(CSystemAccountManager, isOneObject)
+{
+    EXPECT_EQ(CSystemAccountManager::get(), CSystemAccountManager::get());
+    EXPECT_TRUE(CSystemAccountManager::globalInstanceGuard().isStarted());
+}
+
+TEST(CSystemAccountManager, namesTheEffectiveUser)
+{
+    FakeAccounts const accounts(1234, "alice");
+    EXPECT_EQ(getName(), "alice");
+}
+
+TEST(CSystemAccountManager, keepsNoAnswers)
+{
+    FakeAccounts accounts(1234, "alice");
+    EXPECT_EQ(getName(), "alice");
+    accounts.m_userId = 1235;
+    accounts.m_userName = "bob";
+    EXPECT_EQ(getName(), "bob");
+}
+
+TEST(CSystemAccountManager, givesTheDatabaseMoreRoomWhenItAsks)
+{
+    FakeAccounts accounts(1234, "alice");
+    accounts.m_bufferSize = 100000;
+    EXPECT_EQ(getName(), "alice");
+    EXPECT_GT(accounts.m_queries, 1);
+}
+
+TEST(CSystemAccountManager, repeatsAnInterruptedQuery)
+{
+    FakeAccounts accounts(1234, "alice");
+    accounts.m_interruptions = 2;
+    EXPECT_EQ(getName(), "alice");
+    EXPECT_EQ(accounts.m_queries, 3);
+}
+
+TEST(CSystemAccountManager, errorForAUserWithoutAnEntryNamesItsId)
+{
+    FakeAccounts accounts(1234);
+    accounts.m_hasEntry = false;
+    EXPECT_NE(failToGetName().find("1234"), std::string::npos) << failToGetName();
+}
+
+TEST(CSystemAccountManager, errorForAnUnreadableDatabaseNamesIdAndReason)
+{
+    FakeAccounts accounts(1234, "alice");
+    accounts.m_error = EIO;
+    std::string const message = failToGetName();
+    EXPECT_NE(message.find("1234"), std::string::npos) << message;
+    EXPECT_NE(message.find("Input/output error"), std::string::npos) << message;
+}
+
+TEST(CSystemAccountManager, userIdZeroIsTheAdministrator)
+{
+    FakeAccounts accounts(0, "anybody");
+    EXPECT_TRUE(CSystemAccountManager::get()->isProcessUserAdmin());
+    accounts.m_userId = 1;
+    accounts.m_userName = "root";
+    EXPECT_FALSE(CSystemAccountManager::get()->isProcessUserAdmin());
+}
+
+TEST_F(CSystemAccountManagerInUtf8Locale, decodesTheName)
+{
+    FakeAccounts const accounts(1234, "j\xc3\xbcrgen");
+    EXPECT_EQ(getName(), L"j\u00fcrgen");
+}
+
+TEST_F(CSystemAccountManagerInUtf8Locale, refusesANameThatIsNoUtf8)
+{
+    FakeAccounts const accounts(1234, "j\xfcrgen");
+    EXPECT_NE(failToGetName().find("1234"), std::string::npos) << failToGetName();
+}
+
+} // namespace

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include <sys/types.h>
+
+namespace test
+{
+
+/// Stands in for the system's account database and for the process's user while it lives.
+///
+/// The test executable's getpwuid_r and geteuid come before those of the C library, also for the
+/// libraries that it uses.
+class FakeAccounts
+{
+public:
+    /// \param userId       the effective user id of the process
+    /// \param userName     its name in the database
+    explicit FakeAccounts(uid_t userId, std::string userName = std::string());
+    FakeAccounts(FakeAccounts const&) = delete;
+    FakeAccounts& operator=(FakeAccounts const&) = delete;
+    ~FakeAccounts();
+
+    uid_t m_userId;
+    std::string m_userName;
+    bool m_hasEntry = true;
+    int m_error = 0;              ///< what the database answers instead of an entry
+    int m_interruptions = 0;      ///< so many queries are interrupted by a signal
+    std::size_t m_bufferSize = 0; ///< queries with less room are told that it is too little
+    int m_queries = 0;
+};
+
+} // namespace test
