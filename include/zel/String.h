@@ -51,9 +51,9 @@ public:
     std::string toCPSafe() const;
 
     /// The text in the given encoding; each character that it lacks becomes a question mark.
-    /// \param conv      the encoding
-    /// \param problems  receives the number of replaced characters; may be null
-    /// Throws std::bad_alloc only.
+    /// \param conv      the encoding; one without shift states, which single characters do not
+    /// reset \param problems  receives the number of replaced characters; may be null Throws
+    /// std::bad_alloc only.
     std::string toEncodingSafe(wxMBConv const& conv, int* problems) const;
 };
 

@@ -2,6 +2,7 @@
 
 #include <wx/strconv.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 
@@ -30,28 +31,45 @@ std::wstring wideTextOf(wxString const& text)
     return std::wstring(text.wc_str(), text.length());
 }
 
+/// Half a surrogate pair, or a number beyond the last code point, is no character of any encoding.
+/// Converters differ in what they make of one: other characters, or a read beyond their tables.
+bool isCharacter(wchar_t c)
+{
+    auto const code = static_cast<char32_t>(c);
+    return code < 0xD800 || (code > 0xDFFF && code <= 0x10FFFF);
+}
+
 std::optional<std::string> encode(std::wstring const& text, wxMBConv const& conv)
 {
     if (text.empty())
     {
         return std::string();
     }
+    if (!std::all_of(text.begin(), text.end(), isCharacter))
+    {
+        return std::nullopt;
+    }
     std::size_t const length = conv.FromWChar(nullptr, 0, text.data(), text.size());
     if (length == wxCONV_FAILED)
     {
         return std::nullopt;
     }
-    std::string bytes(length, '\0');
-    if (conv.FromWChar(bytes.data(), length, text.data(), text.size()) == wxCONV_FAILED)
+    // The C library skips some characters without a byte, but wants room for one before it does.
+    constexpr std::size_t roomForOne = 16;
+    std::string bytes(length + roomForOne, '\0');
+    std::size_t const written =
+        conv.FromWChar(bytes.data(), bytes.size(), text.data(), text.size());
+    if (written == wxCONV_FAILED)
     {
         return std::nullopt;
     }
+    bytes.resize(written);
     return bytes;
 }
 
 bool canEncode(wchar_t character, wxMBConv const& conv)
 {
-    return conv.FromWChar(nullptr, 0, &character, 1) != wxCONV_FAILED;
+    return isCharacter(character) && conv.FromWChar(nullptr, 0, &character, 1) != wxCONV_FAILED;
 }
 
 int replaceWhatCannotBeEncoded(std::wstring& text, wxMBConv const& conv)
