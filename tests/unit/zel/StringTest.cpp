@@ -164,6 +164,31 @@ TEST(String, encodingSafelyCountsNothingWhenAllIsWell)
     EXPECT_EQ(umlaut.toEncodingSafe(wxConvUTF8, nullptr), "\xc3\xbc");
 }
 
+TEST(String, replacesWhatIsNoCharacterInEveryEncoding)
+{
+    int problems = -1;
+    std::wstring const noCharacters = {wchar_t(0xd800), wchar_t(0xdfff), wchar_t(0x110000),
+                                       wchar_t(0x80000000), wchar_t(0xffffffff)};
+    String const text = wxString(L"\ud7ff" + noCharacters + L"\ue000\U0010ffff");
+    EXPECT_EQ(text.toEncodingSafe(wxConvUTF8, &problems),
+              "\xed\x9f\xbf?????\xee\x80\x80\xf4\x8f\xbf\xbf");
+    EXPECT_EQ(problems, 5);
+    EXPECT_EQ(text.toEncodingSafe(wxConvISO8859_1, &problems), "????????");
+    EXPECT_EQ(problems, 8);
+    EXPECT_EQ(String(wxString(noCharacters)).toCPSafe(), "?????");
+    text.toEncodingSafe(wxMBConvUTF7(), &problems);
+    EXPECT_GE(problems, 5);
+}
+
+// The C library skips the invisible tag characters without a byte.
+TEST(String, keepsTheRestOfATextThatEndsWithASkippedCharacter)
+{
+    int problems = -1;
+    String const text(L"\u00e4\u20ac\u0416\U000e0041");
+    EXPECT_EQ(text.toEncodingSafe(wxCSConv("ISO-8859-15"), &problems), "\xe4\xa4?");
+    EXPECT_EQ(problems, 1);
+}
+
 TEST_F(StringInUtf8Locale, becomesUtf8)
 {
     EXPECT_EQ(String(L"\u00fc \u20ac \U0001f600").toCPSafe(),
