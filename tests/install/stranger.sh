@@ -1,6 +1,6 @@
 #!/bin/bash
 # Builds and runs a project that has nothing of this tree but what a user has.
-# Usage: stranger.sh findPackage | addSubdirectory | pkgConfig
+# Usage: stranger.sh findPackage | addSubdirectory | pkgConfig | debianPackages
 # The environment tells the rest: QIX_SOURCE, QIX_BUILD, CMAKE, CMAKE_GENERATOR, CXX, CXXFLAGS.
 set -euo pipefail
 
@@ -63,6 +63,20 @@ pkgConfig()
     # shellcheck disable=SC2086  # the flags of the build are several words
     "$CXX" ${CXXFLAGS-} "${strictly[@]}" -o "$folder/ledgerTest" "$folder/ledgerTest.cpp" "${flags[@]}"
     runTests env "LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH")" ./ledgerTest
+}
+
+debianPackages()
+{
+    (cd "$QIX_BUILD" && "$(dirname "$CMAKE")/cpack" -G DEB -B "$folder/packages")
+    lintian --allow-root --fail-on error "$folder"/packages/*.deb
+    local package
+    for package in "$folder"/packages/*.deb
+    do
+        dpkg-deb --extract "$package" "$folder/root"
+    done
+    cp "$here/findPackage/CMakeLists.txt" "$folder"
+    buildWithCMake "-DCMAKE_PREFIX_PATH=$folder/root/usr"
+    runTests build/ledgerTest
 }
 
 cp "$here/ledgerTest.cpp" "$folder"
