@@ -71,6 +71,7 @@ public:
     {
         m_logLines.push_back(line);
         std::puts((line + "\n").toCPSafe().c_str());
+        std::fflush(stdout);
     }
 
     std::vector<zel::String> const& getLog() const override { return m_logLines; }

@@ -26,16 +26,28 @@ public:
 
     ~CBase() override;
 
-    void addRef() const override;
+    // Inline, as the two below: a class that names an interface before CBase needs virtual thunks
+    // to these operations, which compilers make only where they see the definitions.
+    void addRef() const override { m_refCount.fetch_add(1); }
 
     /// Gives one reference back and calls deleteThis() with the last one.
     ///
     /// While the object is being destroyed its count is -1073741824 or near it, so a reference
     /// taken and given back by a destructor does not destroy the object a second time.
-    void release() const override;
+    void release() const override
+    {
+        if (m_refCount.fetch_sub(1) != 1)
+        {
+            return;
+        }
+        // So far below zero that no pair of addRef and release in a destructor reaches zero again.
+        constexpr std::int32_t destructionOffset = 0x40000000;
+        m_refCount.fetch_sub(destructionOffset);
+        const_cast<CBase*>(this)->deleteThis();
+    }
 
     /// Always true.
-    bool checkCastAllowed(std::type_info const& type) const override;
+    bool checkCastAllowed(std::type_info const& /*type*/) const override { return true; }
 
     /// Destroys the object with `delete`. A class whose objects come from elsewhere overrides it.
     virtual void deleteThis();

@@ -65,6 +65,8 @@ CConsoleTestRunner::~CConsoleTestRunner()
 bool CConsoleTestRunner::go()
 {
     resetCounters();
+    // Whatever ends the run, what the selection has printed is seen.
+    std::fflush(stdout);
     openLog();
     for (std::size_t i = 0; i < m_items.size(); ++i)
     {

@@ -10,7 +10,7 @@ A case is a file cases/NAME.json:
         args       the arguments
         env        variables; null removes one. By default LC_ALL is C.UTF-8 and QIX_TESTWORKDIR
                    is "work", and nothing else is set. "\\udcNN" stands for the byte NN.
-        stdin      "null" (the default), "closed", "empty file", "ended pipe", or {"text": ...},
+        stdin      "/dev/null" (the default), "closed", "empty file", "ended pipe", or {"text": ...},
                    which is what comes out of a pipe whose writer is gone
         dialogue   instead of stdin: pairs of a text to wait for on standard output and a line to
                    answer with
@@ -31,6 +31,7 @@ import json
 import os
 import pwd
 import re
+import resource
 import selectors
 import shlex
 import signal
@@ -50,16 +51,17 @@ PASSED_ON = re.compile(r"(A|UB|T|L)SAN_OPTIONS|LD_LIBRARY_PATH|LLVM_PROFILE_FILE
 class Run:
     """One run of an executable: what it gets, and what comes of it."""
 
-    def __init__(self, command, settings, folder):
-        self.command = command
+    def __init__(self, binary, settings, folder):
+        self.binary = binary
         self.settings = settings
         self.folder = Path(folder)
 
     def prepare(self):
         self.folder.chmod(0o777)
         for name, permissions in self.settings.get("folders", {}).items():
-            (self.folder / name).mkdir(parents=True)
-            (self.folder / name).chmod(int(permissions, 8))
+            folder = self.folder / name.replace("USER", users()[0])
+            folder.mkdir(parents=True)
+            folder.chmod(int(permissions, 8))
 
     def environment(self):
         wanted = {"LC_ALL": "C.UTF-8", "QIX_TESTWORKDIR": "work", **self.settings.get("env", {})}
@@ -72,9 +74,9 @@ class Run:
         self.prepare()
         stdin = self.open_stdin()
         process = subprocess.Popen(
-            self.command + self.settings.get("args", []), cwd=self.folder, env=self.environment(),
-            stdin=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-            preexec_fn=self.in_child)
+            [self.binary.name] + self.settings.get("args", []), executable=self.binary,
+            cwd=self.folder, env=self.environment(), stdin=stdin, stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE, preexec_fn=self.in_child)
         if isinstance(stdin, int) and stdin >= 0:
             os.close(stdin)
         with process:
@@ -83,14 +85,15 @@ class Run:
 
     def in_child(self):
         os.umask(0o022)
+        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
         if self.settings.get("stdin") == "closed":
             os.close(0)
 
     def open_stdin(self):
-        kind = self.settings.get("stdin", "null")
+        kind = self.settings.get("stdin", "/dev/null")
         if "dialogue" in self.settings:
             return subprocess.PIPE
-        if kind in ("null", "closed"):
+        if kind in ("/dev/null", "closed"):
             return subprocess.DEVNULL
         if kind == "empty file":
             return os.open(self.folder, os.O_TMPFILE | os.O_RDWR)
@@ -140,19 +143,21 @@ class Run:
             name = self.blank_path(path.relative_to(self.folder))
             if path.is_file():
                 yield from self.section("file " + name, path.read_bytes())
-            elif path.name not in self.settings.get("folders", {}) and not any(path.iterdir()):
+            elif not any(path.iterdir()):
                 yield f"empty folder {name} {stat.S_IMODE(path.stat().st_mode):o}"
 
     def shown_command(self):
         settings = self.settings
         variables = [f"{name}={shlex.quote(escaped(os.fsencode(value)))}" if value is not None
                      else f"{name}(unset)" for name, value in settings.get("env", {}).items()]
-        words = [Path(self.command[0]).name] + [shlex.quote(a) for a in settings.get("args", [])]
-        stdin = settings.get("stdin", "null")
+        words = [self.binary.name] + [shlex.quote(a) for a in settings.get("args", [])]
+        stdin = settings.get("stdin", "/dev/null")
         if isinstance(stdin, dict):
             words.append("< " + json.dumps(stdin["text"]))
-        elif stdin != "null" or not settings.get("args"):
-            words.append(f"< ({stdin})" if "dialogue" not in settings else "< (dialogue)")
+        elif "dialogue" in settings:
+            words.append("< (dialogue)")
+        elif stdin != "/dev/null" or not settings.get("args"):
+            words.append("< /dev/null" if stdin == "/dev/null" else f"< ({stdin})")
         return " ".join(variables + words)
 
     def shown_status(self):
@@ -202,7 +207,7 @@ def transcript(name, binaries):
             print(f"{name}: only the administrator can run this")
             sys.exit(SKIPPED)
         with tempfile.TemporaryDirectory(prefix="qix approval ") as folder:
-            run = Run([str(binaries / executable)], settings, folder)
+            run = Run(binaries / executable, settings, folder)
             run.execute()
             lines += ["", *run.report()]
     return "\n".join(lines) + "\n"
