@@ -1,7 +1,7 @@
 #include <zel/CError.h>
 #include <zel/CSystemAccountManager.h>
 
-#include "FakeAccounts.h"
+#include "CFakeAccounts.h"
 #include "Locale.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 namespace
 {
 
-using test::FakeAccounts;
+using test::CFakeAccounts;
 using zel::CSystemAccountManager;
 using zel::String;
 
@@ -44,13 +44,13 @@ TEST(CSystemAccountManager, isOneObject)
 
 TEST(CSystemAccountManager, namesTheEffectiveUser)
 {
-    FakeAccounts const accounts(1234, "alice");
+    CFakeAccounts const accounts(1234, "alice");
     EXPECT_EQ(getName(), "alice");
 }
 
 TEST(CSystemAccountManager, keepsNoAnswers)
 {
-    FakeAccounts accounts(1234, "alice");
+    CFakeAccounts accounts(1234, "alice");
     EXPECT_EQ(getName(), "alice");
     accounts.m_userId = 1235;
     accounts.m_userName = "bob";
@@ -59,7 +59,7 @@ TEST(CSystemAccountManager, keepsNoAnswers)
 
 TEST(CSystemAccountManager, givesTheDatabaseMoreRoomWhenItAsks)
 {
-    FakeAccounts accounts(1234, "alice");
+    CFakeAccounts accounts(1234, "alice");
     accounts.m_bufferSize = 100000;
     EXPECT_EQ(getName(), "alice");
     EXPECT_GT(accounts.m_queries, 1);
@@ -67,7 +67,7 @@ TEST(CSystemAccountManager, givesTheDatabaseMoreRoomWhenItAsks)
 
 TEST(CSystemAccountManager, repeatsAnInterruptedQuery)
 {
-    FakeAccounts accounts(1234, "alice");
+    CFakeAccounts accounts(1234, "alice");
     accounts.m_interruptions = 2;
     EXPECT_EQ(getName(), "alice");
     EXPECT_EQ(accounts.m_queries, 3);
@@ -75,14 +75,14 @@ TEST(CSystemAccountManager, repeatsAnInterruptedQuery)
 
 TEST(CSystemAccountManager, errorForAUserWithoutAnEntryNamesItsId)
 {
-    FakeAccounts accounts(1234);
+    CFakeAccounts accounts(1234);
     accounts.m_hasEntry = false;
     EXPECT_NE(failToGetName().find("1234"), std::string::npos) << failToGetName();
 }
 
 TEST(CSystemAccountManager, errorForAnUnreadableDatabaseNamesIdAndReason)
 {
-    FakeAccounts accounts(1234, "alice");
+    CFakeAccounts accounts(1234, "alice");
     accounts.m_error = EIO;
     std::string const message = failToGetName();
     EXPECT_NE(message.find("1234"), std::string::npos) << message;
@@ -91,7 +91,7 @@ TEST(CSystemAccountManager, errorForAnUnreadableDatabaseNamesIdAndReason)
 
 TEST(CSystemAccountManager, userIdZeroIsTheAdministrator)
 {
-    FakeAccounts accounts(0, "anybody");
+    CFakeAccounts accounts(0, "anybody");
     EXPECT_TRUE(CSystemAccountManager::get()->isProcessUserAdmin());
     accounts.m_userId = 1;
     accounts.m_userName = "root";
@@ -100,13 +100,13 @@ TEST(CSystemAccountManager, userIdZeroIsTheAdministrator)
 
 TEST_F(CSystemAccountManagerInUtf8Locale, decodesTheName)
 {
-    FakeAccounts const accounts(1234, "j\xc3\xbcrgen");
+    CFakeAccounts const accounts(1234, "j\xc3\xbcrgen");
     EXPECT_EQ(getName(), L"j\u00fcrgen");
 }
 
 TEST_F(CSystemAccountManagerInUtf8Locale, refusesANameThatIsNoUtf8)
 {
-    FakeAccounts const accounts(1234, "j\xfcrgen");
+    CFakeAccounts const accounts(1234, "j\xfcrgen");
     EXPECT_NE(failToGetName().find("1234"), std::string::npos) << failToGetName();
 }
 

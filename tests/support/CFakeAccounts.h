@@ -12,15 +12,15 @@ namespace test
 ///
 /// The test executable's getpwuid_r and geteuid come before those of the C library, also for the
 /// libraries that it uses.
-class FakeAccounts
+class CFakeAccounts
 {
 public:
     /// \param userId       the effective user id of the process
     /// \param userName     its name in the database
-    explicit FakeAccounts(uid_t userId, std::string userName = std::string());
-    FakeAccounts(FakeAccounts const&) = delete;
-    FakeAccounts& operator=(FakeAccounts const&) = delete;
-    ~FakeAccounts();
+    explicit CFakeAccounts(uid_t userId, std::string userName = std::string());
+    CFakeAccounts(CFakeAccounts const&) = delete;
+    CFakeAccounts& operator=(CFakeAccounts const&) = delete;
+    ~CFakeAccounts();
 
     uid_t m_userId;
     std::string m_userName;

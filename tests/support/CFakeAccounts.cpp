@@ -1,4 +1,4 @@
-#include "FakeAccounts.h"
+#include "CFakeAccounts.h"
 
 #include <cerrno>
 #include <cstring>
@@ -14,9 +14,9 @@ namespace test
 namespace
 {
 
-FakeAccounts* g_accounts = nullptr;
+CFakeAccounts* g_accounts = nullptr;
 
-int answer(FakeAccounts& accounts, passwd& entry, char* buffer, std::size_t size)
+int answer(CFakeAccounts& accounts, passwd& entry, char* buffer, std::size_t size)
 {
     if (accounts.m_interruptions > 0)
     {
@@ -38,13 +38,13 @@ int answer(FakeAccounts& accounts, passwd& entry, char* buffer, std::size_t size
 
 } // namespace
 
-FakeAccounts::FakeAccounts(uid_t userId, std::string userName)
+CFakeAccounts::CFakeAccounts(uid_t userId, std::string userName)
     : m_userId(userId), m_userName(std::move(userName))
 {
     g_accounts = this;
 }
 
-FakeAccounts::~FakeAccounts()
+CFakeAccounts::~CFakeAccounts()
 {
     g_accounts = nullptr;
 }

@@ -1,0 +1,41 @@
+#include "CFakeClock.h"
+
+namespace test
+{
+
+namespace
+{
+
+CFakeClock* g_clock = nullptr;
+
+std::time_t readSystemClock()
+{
+    std::timespec now = {};
+    std::timespec_get(&now, TIME_UTC);
+    return now.tv_sec;
+}
+
+} // namespace
+
+CFakeClock::CFakeClock()
+{
+    g_clock = this;
+}
+
+CFakeClock::~CFakeClock()
+{
+    g_clock = nullptr;
+}
+
+} // namespace test
+
+extern "C" __attribute__((visibility("default"))) std::time_t time(std::time_t* result) noexcept
+{
+    std::time_t const now =
+        test::g_clock == nullptr ? test::readSystemClock() : test::g_clock->getNow();
+    if (result != nullptr)
+    {
+        *result = now;
+    }
+    return now;
+}
