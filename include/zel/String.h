@@ -68,8 +68,10 @@ using EnableIfTextButNotString =
 template <typename Right, typename = EnableIfText<Right>>
 String operator+(String const& left, Right const& right)
 {
+    // Not a cast, which would take a wxString for a String instead of converting it.
+    String const& text = right;
     String sum(left);
-    sum += static_cast<String const&>(right);
+    sum += text;
     return sum;
 }
 
@@ -87,7 +89,8 @@ ZEL_EXPORT String operator+(char left, String const& right);
 template <typename Right, typename = EnableIfText<Right>>
 bool operator==(String const& left, Right const& right)
 {
-    return left.compare(static_cast<String const&>(right)) == 0;
+    String const& text = right;
+    return left.compare(text) == 0;
 }
 
 template <typename Left, typename = EnableIfTextButNotString<Left>>
