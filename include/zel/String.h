@@ -51,9 +51,10 @@ public:
     std::string toCPSafe() const;
 
     /// The text in the given encoding; each character that it lacks becomes a question mark.
-    /// \param conv      the encoding; one without shift states, which single characters do not
-    /// reset \param problems  receives the number of replaced characters; may be null Throws
-    /// std::bad_alloc only.
+    /// Throws std::bad_alloc only.
+    /// \param conv      the encoding; one whose characters stand for themselves, without the shift
+    ///                  states that a single character would not reset
+    /// \param problems  receives the number of replaced characters; may be null
     std::string toEncodingSafe(wxMBConv const& conv, int* problems) const;
 };
 
