@@ -12,8 +12,12 @@ namespace qix
 /// empty file, a pipe that nobody writes to any more), it prints how to select tests instead of
 /// opening a menu that nobody can answer. An exception that leaves the run ends in one line on
 /// standard error.
+///
+/// A run does not end with 0 before its time: when a test calls exit(), or when standard output
+/// cannot be written, a line on standard error says so.
 /// \return the exit status: 0 when no test failed; 1 when one failed, a selection was refused or
-///         the working directory could not be entered; 2 when nothing could be run
+///         the working directory could not be entered; 2 when nothing could be run, or the run
+///         was ended by an exception or by exit(), or all passed but output was lost
 QIX_EXPORT int runMain(int argc, char** argv);
 
 } // namespace qix

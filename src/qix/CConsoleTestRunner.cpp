@@ -4,6 +4,7 @@
 #include <zel/CError.h>
 #include <zel/debug.h>
 
+#include "forkInTest.h"
 #include "nullItem.h"
 
 #include <optional>
@@ -47,6 +48,12 @@ void printAsFormat(std::string const& format)
     std::printf(format.c_str());
 }
 #pragma GCC diagnostic pop
+
+void runInOneProcess(ITestItem& item, ITestRunner* runner)
+{
+    ForkInTest const guard;
+    item.run(runner);
+}
 
 } // namespace
 
@@ -96,7 +103,7 @@ void CConsoleTestRunner::runTestItem(ITestItem* item)
     std::size_t const depth = m_running.size();
     try
     {
-        item->run(this);
+        runInOneProcess(*item, this);
         endItem(item, depth, [this] { endSubTest_Success(); });
     }
     catch (CTestAbortedException const&)

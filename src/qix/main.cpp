@@ -1,11 +1,14 @@
 #include <qix/CConsoleTestRunner.h>
 #include <qix/main.h>
 
+#include "exitInTest.h"
+#include "standardDescriptors.h"
 #include "standardInput.h"
 
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <string>
 #include <vector>
@@ -19,6 +22,7 @@ namespace
 constexpr int exitAllPassed = 0;
 constexpr int exitNotAllPassed = 1;
 constexpr int exitNothingRun = 2;
+constexpr int exitOutputLost = 2;
 
 void printHowToSelect(std::string const& program)
 {
@@ -32,24 +36,39 @@ void printHowToSelect(std::string const& program)
     std::fflush(stdout);
 }
 
-void printError(std::string message)
+/// Prints the text with a blank for each line end. Takes no memory: there may be none left.
+void printInOneLine(char const* text)
 {
-    std::fflush(stdout);
-    std::replace(message.begin(), message.end(), '\n', ' ');
-    std::fprintf(stderr, "Error: %s\n", message.c_str());
+    for (std::size_t length = std::strcspn(text, "\n"); text[length] != '\0';
+         length = std::strcspn(text, "\n"))
+    {
+        std::fprintf(stderr, "%.*s ", static_cast<int>(length), text);
+        text += length + 1;
+    }
+    std::fputs(text, stderr);
 }
 
-int runSelection(std::vector<char const*> lines)
+void printError(char const* message, char const* reason = "")
 {
+    std::fflush(stdout);
+    std::fprintf(stderr, "Error: %s", message);
+    printInOneLine(reason);
+    std::fputc('\n', stderr);
+}
+
+int runSelection(char** begin, char** end)
+{
+    ExitInTest const guard;
     try
     {
+        std::vector<char const*> lines(begin, end);
         bool const passed =
             CConsoleTestRunner::doMain(static_cast<int>(lines.size()), lines.data());
         return passed ? exitAllPassed : exitNotAllPassed;
     }
     catch (std::exception const& e)
     {
-        printError(std::string("the test run was ended by an exception: ") + e.what());
+        printError("the test run was ended by an exception: ", e.what());
     }
     catch (...)
     {
@@ -58,19 +77,36 @@ int runSelection(std::vector<char const*> lines)
     return exitNothingRun;
 }
 
+int runArguments(int argc, char** argv)
+{
+    int const programNames = std::min(argc, 1);
+    if (argc <= programNames && hasStandardInputEnded())
+    {
+        printHowToSelect(argc > 0 ? argv[0] : "test");
+        return exitNothingRun;
+    }
+    return runSelection(argv + programNames, argv + argc);
+}
+
+/// A run that nobody could read has not passed.
+int withOutputChecked(int status)
+{
+    bool const complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (complete)
+    {
+        return status;
+    }
+    printError("standard output could not be written; a part of it is lost.");
+    return status == exitAllPassed ? exitOutputLost : status;
+}
+
 } // namespace
 
 int runMain(int argc, char** argv)
 {
     std::setlocale(LC_CTYPE, "");
-    int const programNames = std::min(argc, 1);
-    std::vector<char const*> const lines(argv + programNames, argv + argc);
-    if (lines.empty() && hasStandardInputEnded())
-    {
-        printHowToSelect(argc > 0 ? argv[0] : "test");
-        return exitNothingRun;
-    }
-    return runSelection(lines);
+    occupyClosedStandardDescriptors();
+    return withOutputChecked(runArguments(argc, argv));
 }
 
 } // namespace qix

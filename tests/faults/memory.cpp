@@ -1,0 +1,64 @@
+#include "memory.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace
+{
+
+std::size_t g_calls = 0;
+std::size_t g_firstFailing = faults::memory::unlimited;
+std::size_t g_failing = 0;
+
+bool mayAllocate() noexcept
+{
+    std::size_t const call = g_calls++;
+    return call < g_firstFailing || call - g_firstFailing >= g_failing;
+}
+
+} // namespace
+
+namespace faults::memory
+{
+
+void failCalls(std::size_t first, std::size_t count) noexcept
+{
+    g_calls = 0;
+    g_firstFailing = first;
+    g_failing = count;
+}
+
+void failNothing() noexcept
+{
+    failCalls(unlimited, 0);
+}
+
+std::size_t calls() noexcept
+{
+    return g_calls;
+}
+
+} // namespace faults::memory
+
+// Exported, so that the libraries and the C++ runtime use them too. The array forms call these.
+#define FAULTS_REPLACED __attribute__((visibility("default")))
+
+FAULTS_REPLACED void* operator new(std::size_t size)
+{
+    void* const memory = mayAllocate() ? std::malloc(size == 0 ? 1 : size) : nullptr;
+    if (memory == nullptr)
+    {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+FAULTS_REPLACED void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+FAULTS_REPLACED void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
