@@ -10,6 +10,7 @@ import collections
 import difflib
 import os
 import resource
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -168,10 +169,14 @@ MEMORY = fault("memoryOfRunner", "The runner runs out of memory",
 class FaultRun(approval.Run):
     """A run that survives what its suite does to it, and whose report is short."""
 
+    def __init__(self, fault, binary, folder, env=None):
+        program, *arguments = [*(fault.how or []), str(binary), fault.suite, "*"]
+        super().__init__(Path(shutil.which(program)), {"args": arguments, "env": env or {}}, folder)
+
     def environment(self):
         # The sanitizers would take the signals for errors of their own, and wxWidgets leaks a
         # conversion's buffer when operator new fails in the middle of it.
-        leaks = ":detect_leaks=0" if "FAULTS_FAIL_AT" in self.settings.get("env", {}) else ""
+        leaks = ":detect_leaks=0" if "FAULTS_FAIL_AT" in self.settings["env"] else ""
         options = {name: os.environ.get(name, "") + ":handle_segv=0:handle_abort=0" + leaks
                    for name in ("ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS")}
         user = next(iter(approval.users()))
@@ -179,7 +184,6 @@ class FaultRun(approval.Run):
 
     def in_child(self):
         super().in_child()
-        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
         if os.environ.get("FAULTS_SANITIZED"):  # whose stack frames are several times as large
             hard = resource.getrlimit(resource.RLIMIT_STACK)[1]
             resource.setrlimit(resource.RLIMIT_STACK, (SANITIZED_STACK, hard))
@@ -209,10 +213,6 @@ def cut_line(line):
     return b"%s[%d bytes more]%s%s" % (text[:40], len(text) - 50, text[-10:], line[len(text):])
 
 
-def command_of(fault, binary):
-    return (fault.how or []) + [str(binary), fault.suite]
-
-
 def is_possible(fault):
     if fault.name != "smallDisk":
         return True
@@ -223,7 +223,7 @@ def is_possible(fault):
 def section_of(fault, binary):
     """The section of the page, and the exit status."""
     with tempfile.TemporaryDirectory(prefix="qix faults ") as folder:
-        run = FaultRun(command_of(fault, binary), {"args": ["*"]}, folder)
+        run = FaultRun(fault, binary, folder)
         run.execute()
         check_kept(fault, Path(folder))
         report = list(run.report())[1:]
@@ -245,8 +245,7 @@ def check_kept(fault, folder):
 def run_with_failing(binary, first, count):
     """A run in which calls of operator new fail, from number first on."""
     with tempfile.TemporaryDirectory(prefix="qix faults ") as folder:
-        calls = {"FAULTS_FAIL_AT": f"{first} {count}"}
-        run = FaultRun([str(binary), MEMORY.suite], {"args": ["*"], "env": calls}, folder)
+        run = FaultRun(MEMORY, binary, folder, {"FAULTS_FAIL_AT": f"{first} {count}"})
         run.execute()
         run.log = b"".join(path.read_bytes() for path in Path(folder).rglob("testLog.txt"))
         return run
