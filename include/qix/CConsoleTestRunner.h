@@ -124,33 +124,34 @@ protected:
     /// A sub-test that has been begun and not ended.
     struct RunningRecord
     {
-        std::string name;
-        std::uint32_t startCount; ///< m_beginCount before this sub-test
-        ITestItem::Duration duration;
-        bool interactive;
-        std::time_t startTime; ///< seconds
+        std::string name;             ///< its own, without those around it
+        std::uint32_t startCount;     ///< m_beginCount before this sub-test
+        ITestItem::Duration duration; ///< how long it is expected to take
+        bool interactive;             ///< it needs a human
+        std::time_t startTime;        ///< seconds
     };
 
+    /// A sub-test that has failed.
     struct FailInfo
     {
         std::string name;    ///< the breadcrumbs of the sub-test
         std::string message; ///< why it failed
     };
 
-    std::string m_indent;           ///< two blanks for each running sub-test
-    std::uint32_t m_beginCount = 0; ///< sub-tests begun since the counts were reset
-    std::FILE* m_log = nullptr;
-    std::vector<zel::P<ITestItem>> m_items;
-    std::vector<bool> m_selected; ///< one flag for each of m_items
-    std::vector<RunningRecord> m_running;
-    int m_maxDuration = ITestItem::Short; ///< items above it are refused
-    bool m_runInteractive = false;
-    bool m_onlyInteractive = false;
-    int m_nOk = 0;
-    int m_nAborted = 0;
-    int m_nFailed = 0;
-    int m_nSkipped = 0;
-    std::list<FailInfo> m_failures;
+    std::string m_indent;                   ///< two blanks for each running sub-test
+    std::uint32_t m_beginCount = 0;         ///< sub-tests begun since the counts were reset
+    std::FILE* m_log = nullptr;             ///< owned; null while no log is open
+    std::vector<zel::P<ITestItem>> m_items; ///< what is offered for selection
+    std::vector<bool> m_selected;           ///< one flag for each of m_items
+    std::vector<RunningRecord> m_running;   ///< the outermost first
+    int m_maxDuration = ITestItem::Short;   ///< items above it are refused
+    bool m_runInteractive = false;          ///< otherwise interactive items are refused
+    bool m_onlyInteractive = false;         ///< items without any interactive one are refused
+    int m_nOk = 0;                          ///< sub-tests that succeeded
+    int m_nAborted = 0;                     ///< sub-tests that stopped without a verdict
+    int m_nFailed = 0;                      ///< sub-tests that failed
+    int m_nSkipped = 0;                     ///< sub-tests that were refused or did not apply
+    std::list<FailInfo> m_failures;         ///< in the order in which they happened
 
 private:
     bool isRefused(ITestItem::Duration duration, bool isInteractive,

@@ -26,6 +26,7 @@ namespace qix
 class QIX_EXPORT CTestItemGroup : public zel::CBase, public virtual ITestItem
 {
 public:
+    /// A group without children.
     explicit CTestItemGroup(std::string const& name) : m_name(name) {}
 
     std::string getName() const override { return m_name; }
@@ -155,8 +156,8 @@ private:
 protected:
     std::vector<zel::P<ITestItem>> m_subItems;         ///< made, in the order of their making
     std::vector<zel::P<ITestItemFactory>> m_factories; ///< pending, in the order of registration
-    std::string m_name;
-    std::vector<zel::String> m_logLines;
+    std::string m_name;                                ///< what getName() returns
+    std::vector<zel::String> m_logLines;               ///< what getLog() returns
 };
 
 } // namespace qix

@@ -3,6 +3,9 @@
 /// \file
 /// Everything of the test framework.
 
+/// \namespace qix
+/// The test framework: test items, and the runner that runs and reports them.
+
 #include <qix/CConsoleTestRunner.h>
 #include <qix/CTestAbortedException.h>
 #include <qix/CTestItemGroup.h>

@@ -27,6 +27,8 @@ public:
     /// \param cause       the error behind this one, or null; a clone of it is kept
     explicit CError(String const& message, String const& secondText = String(), long long code = -1,
                     CProps const& props = CProps(), CError const* cause = nullptr);
+
+    /// A copy that shares the cause.
     CError(CError const& other);
     CError& operator=(CError const&) = delete;
     ~CError() override;
@@ -43,9 +45,16 @@ public:
     /// The error behind this one, or null.
     virtual P<CError> getCause() const;
 
+    /// What went wrong, for people.
     String const& getMessage() const noexcept { return m_message; }
+
+    /// More about it, or nothing.
     String const& getSecondText() const noexcept { return m_secondText; }
+
+    /// A number for programs; -1 when there is none.
     long long getCode() const noexcept { return m_code; }
+
+    /// Named details.
     CProps const& getProps() const noexcept { return m_props; }
 
 private:

@@ -12,11 +12,16 @@ namespace zel
 class ZEL_EXPORT CProps : public CBase
 {
 public:
+    /// Values by name.
     using Map = std::map<String, String>;
 
     /// No properties.
     CProps();
+
+    /// A copy has properties of its own.
     CProps(CProps const& other);
+
+    /// Replaces all properties by copies.
     CProps& operator=(CProps const& other) = default;
     ~CProps() override;
 
@@ -26,10 +31,13 @@ public:
     /// The value of the property \p name, or \p defaultValue when there is none.
     String get(String const& name, String const& defaultValue) const;
 
+    /// True when there is no property.
     bool isEmpty() const noexcept { return m_values.empty(); }
 
     /// Pairs of name and value, in ascending order of the names.
     Map::const_iterator begin() const noexcept { return m_values.begin(); }
+
+    /// Behind the last pair.
     Map::const_iterator end() const noexcept { return m_values.end(); }
 
 private:

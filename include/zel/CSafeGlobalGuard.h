@@ -10,8 +10,13 @@ namespace zel
 class ZEL_EXPORT CSafeGlobalGuard
 {
 public:
+    /// True from setStarted() to reset().
     bool isStarted() const noexcept { return m_started != 0; }
+
+    /// The construction begins.
     void setStarted() noexcept { m_started = 1; }
+
+    /// The construction has failed and may begin again.
     void reset() noexcept { m_started = 0; }
 
 private:

@@ -30,7 +30,11 @@ public:
 
 protected:
     IBase() = default;
+
+    /// A copy is an object of its own.
     IBase(IBase const&) = default;
+
+    /// Leaves the references alone: they belong to the object, not to its value.
     IBase& operator=(IBase const&) = default;
 };
 

@@ -35,7 +35,10 @@ public:
         return P(object);
     }
 
+    /// Takes a reference of its own.
     P(P const& other) : P(share(other.m_object)) {}
+
+    /// Takes over the reference; \p other is null afterwards.
     P(P&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
 
     /// Copies from a pointer to a derived class.
@@ -51,6 +54,7 @@ public:
     {
     }
 
+    /// Takes over the reference of a copy and gives its own back.
     P& operator=(P other) noexcept
     {
         std::swap(m_object, other.m_object);
@@ -67,8 +71,14 @@ public:
 
     /// The object, still owned by this pointer.
     T* get() const noexcept { return m_object; }
+
+    /// The object; the pointer must not be null.
     T* operator->() const noexcept { return m_object; }
+
+    /// The object; the pointer must not be null.
     T& operator*() const noexcept { return *m_object; }
+
+    /// True when the pointer is not null.
     explicit operator bool() const noexcept { return m_object != nullptr; }
 
 private:
@@ -78,6 +88,8 @@ private:
     T* m_object = nullptr;
 };
 
+/// @{
+/// Compares the objects' addresses.
 template <typename T, typename U>
 bool operator==(P<T> const& left, P<U> const& right) noexcept
 {
@@ -113,6 +125,8 @@ bool operator!=(std::nullptr_t, P<T> const& right) noexcept
 {
     return right.get() != nullptr;
 }
+
+/// @}
 
 /// Creates a T and returns the owner of its first reference.
 /// Throws what the constructor throws, and std::bad_alloc.

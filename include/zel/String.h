@@ -23,11 +23,16 @@ namespace zel
 class ZEL_EXPORT String : public wxString, public CBase
 {
 public:
+    /// Empty.
     String();
+
+    /// @{
+    /// Copies the characters; null gives an empty string.
     String(String const& other);
     String(wxString const& text);
     String(wxCStrData const& text);
     String(wchar_t const* text);
+    /// @}
 
     /// Reads \p bytes up to the NUL as ISO-8859-1; null gives an empty string.
     String(char const* bytes);
@@ -35,16 +40,22 @@ public:
     /// Reads all of \p bytes as ISO-8859-1, NUL bytes included.
     String(std::string const& bytes);
 
+    /// Replaces the characters.
     String& operator=(String const& other) = default;
+
     ~String() override;
 
     using wxString::operator+=;
+
+    /// @{
+    /// Adds text behind the own; bytes are read as the constructors read them.
     String& operator+=(String const& text);
     String& operator+=(wxString const& text);
     String& operator+=(wchar_t const* text);
     String& operator+=(char const* bytes);
     String& operator+=(std::string const& bytes);
     String& operator+=(char byte);
+    /// @}
 
     /// The text in the encoding of the locale that the environment names. Characters that it
     /// lacks are replaced as toEncodingSafe() does. Throws std::bad_alloc only.
@@ -62,10 +73,13 @@ public:
 template <typename T>
 using EnableIfText = std::enable_if_t<std::is_convertible_v<T const&, String>>;
 
+/// The same without String and what derives from it, for which there is an operator already.
 template <typename T>
 using EnableIfTextButNotString =
     std::enable_if_t<std::is_convertible_v<T const&, String> && !std::is_base_of_v<String, T>>;
 
+/// @{
+/// One text behind the other; bytes are read as the constructors of String read them.
 template <typename Right, typename = EnableIfText<Right>>
 String operator+(String const& left, Right const& right)
 {
@@ -86,7 +100,10 @@ String operator+(Left const& left, String const& right)
 
 ZEL_EXPORT String operator+(String const& left, char right);
 ZEL_EXPORT String operator+(char left, String const& right);
+/// @}
 
+/// @{
+/// Compares character by character; bytes are read as the constructors of String read them.
 template <typename Right, typename = EnableIfText<Right>>
 bool operator==(String const& left, Right const& right)
 {
@@ -111,5 +128,6 @@ bool operator!=(Left const& left, String const& right)
 {
     return !(right == left);
 }
+/// @}
 
 } // namespace zel

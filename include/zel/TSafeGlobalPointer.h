@@ -28,7 +28,10 @@ template <typename T>
 class TSafeGlobalPointer
 {
 public:
+    /// Returns the guard of the one global, for every instance of this class that stands for it.
     using GuardFunction = CSafeGlobalGuard& (*)();
+
+    /// Makes the object.
     using CreateFunction = P<T> (*)();
 
     /// Makes the object under the global mutex, unless the guard tells that another instance for

@@ -3,6 +3,9 @@
 /// \file
 /// Everything of the base library.
 
+/// \namespace zel
+/// The base library: shared objects, strings, errors.
+
 #include <zel/CBase.h>
 #include <zel/CCachedEnvVars.h>
 #include <zel/CError.h>
