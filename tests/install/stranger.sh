@@ -5,7 +5,7 @@
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-strictly=(-Wall -Wextra -Wpedantic -Wshadow -Werror)
+strictly=(-std=c++17 -Wall -Wextra -Wpedantic -Wshadow -Werror)
 folder=$(mktemp -d "${TMPDIR:-/tmp}/a stranger XXXXXX")
 trap 'rm -rf "$folder"' EXIT
 
