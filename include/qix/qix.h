@@ -8,6 +8,8 @@
 
 #include <qix/CConsoleTestRunner.h>
 #include <qix/CTestAbortedException.h>
+#include <qix/CTestFailedException.h>
+#include <qix/CTestItem.h>
 #include <qix/CTestItemGroup.h>
 #include <qix/CTestSkippedException.h>
 #include <qix/ITestItem.h>

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <qix/ITestItem.h>
+#include <qix/detail/narrowText.h>
+#include <qix/detail/subTest.h>
+#include <qix/export.h>
+#include <zel/CBase.h>
+#include <zel/P.h>
+
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace qix
+{
+
+namespace detail
+{
+class CRegistry;
+}
+
+/// The base class of leaf tests. A test derives from it and overrides body(), and whichever of
+/// the hooks around it that it needs.
+///
+/// run() calls clean(), setUp(), body(), tearDown() and clean(), in that order:
+/// - When the first clean() throws, nothing else is called.
+/// - body() is called only if setUp() returned; tearDown() whenever setUp() was called, so it
+///   must cope with what is not set up; the last clean() always.
+/// - Whichever of them throws first decides how the test ends. What others throw later, in
+///   tearDown() say, is listed below it and hides nothing.
+/// - Failed checks fail the test at its end, also if it skipped or aborted itself afterwards.
+/// - What is thrown and is no std::exception counts as a failure, too.
+///
+/// Everything but log() belongs to the thread that runs the test.
+class QIX_EXPORT CTestItem : public zel::CBase, public virtual ITestItem
+{
+public:
+    /// \param name         one component of the dotted path by which the test is shown
+    /// \param duration     how long the test is expected to take
+    /// \param interactive  whether the test needs a human at the console
+    explicit CTestItem(std::string const& name, Duration duration = Short,
+                       bool interactive = false);
+    CTestItem(CTestItem const&) = delete;
+    CTestItem& operator=(CTestItem const&) = delete;
+    ~CTestItem() override;
+
+    std::string getName() const override;
+    Duration getDuration() const override;
+    bool isInteractive() const override;
+
+    /// The same as isInteractive().
+    bool containsAnyInteractive() const override;
+
+    /// Forgets the lines of an earlier run and performs the test, as the class tells. Returns for
+    /// success and throws otherwise: CTestFailedException when checks failed or several things
+    /// went wrong, and what the test threw when that was all.
+    void run(ITestRunner* runner) override;
+
+    /// Leaves \p out empty.
+    void getSubItems(std::vector<zel::P<ITestItem>>& out) override;
+
+    /// Records one line, which goes to the log file after the test. Safe to call from any thread
+    /// while the test runs.
+    void log(zel::String const& line) override;
+
+    /// Records one line of bytes: they are read as UTF-8 if that is what they are, and as
+    /// ISO-8859-1 otherwise. A null pointer gives an empty line.
+    template <typename T, typename = std::enable_if_t<detail::isNarrowText<T>>>
+    void log(T const& line)
+    {
+        logBytes(detail::viewOf(line));
+    }
+
+    std::vector<zel::String> const& getLog() const override;
+
+protected:
+    /// For fixtures of QIX_TEST_F, whose tests get their names and attributes afterwards.
+    CTestItem();
+
+    /// Removes what an earlier test, or this one, may have left behind.
+    virtual void clean();
+
+    /// Prepares what the body needs.
+    virtual void setUp();
+
+    /// The test itself: returns for success, throws otherwise.
+    virtual void body() = 0;
+
+    /// Undoes what setUp() did.
+    virtual void tearDown();
+
+    /// Runs \p row, which takes no arguments, as a sub-test of its own; see qix::subTest().
+    template <typename Row>
+    static void subTest(std::string_view name, Row&& row, char const* file = __builtin_FILE(),
+                        int line = __builtin_LINE())
+    {
+        detail::runSubTest(name, row, file, line);
+    }
+
+private:
+    friend class detail::CRegistry;
+
+    void logBytes(std::string_view line);
+
+    std::string m_name;
+    Duration m_duration = Short;
+    bool m_interactive = false;
+    std::vector<zel::String> m_logLines;
+};
+
+} // namespace qix

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <qix/export.h>
+
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace qix::detail
+{
+
+/// Refers to something that is called without arguments. It does not own it.
+class CRowRef
+{
+public:
+    template <typename Row,
+              typename = std::enable_if_t<!std::is_same_v<std::decay_t<Row>, CRowRef>>>
+    CRowRef(Row&& row) noexcept : m_call(&call<std::remove_reference_t<Row>>)
+    {
+        if constexpr (std::is_function_v<std::remove_reference_t<Row>>)
+        {
+            m_row = reinterpret_cast<void*>(&row);
+        }
+        else
+        {
+            m_row = const_cast<void*>(static_cast<void const*>(std::addressof(row)));
+        }
+    }
+
+    void operator()() const { m_call(m_row); }
+
+private:
+    template <typename Row>
+    static void call(void* row)
+    {
+        (*reinterpret_cast<Row*>(row))();
+    }
+
+    void* m_row;
+    void (*m_call)(void*);
+};
+
+/// What qix::subTest() does.
+QIX_EXPORT void runSubTest(std::string_view name, CRowRef row, char const* file, int line);
+
+} // namespace qix::detail
+
+namespace qix
+{
+
+/// Runs \p row, which takes no arguments, as a sub-test of the running test: one row of a table,
+/// say. It has its own outcome, by checks or by what it throws, and may have sub-tests itself.
+///
+/// A failed row does not stop the next one, but fails the test around it at its end; a row that
+/// is skipped or aborted does not. Rows of a short test are short tests; rows of longer ones have
+/// no expected duration, and so no progress character.
+///
+/// Call it on the thread that runs the test: throws zel::CError on others and outside of tests.
+/// \param name  the last component of the row's dotted path
+template <typename Row>
+void subTest(std::string_view name, Row&& row, char const* file = __builtin_FILE(),
+             int line = __builtin_LINE())
+{
+    detail::runSubTest(name, row, file, line);
+}
+
+} // namespace qix

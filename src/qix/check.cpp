@@ -1,0 +1,155 @@
+#include <qix/CTestAbortedException.h>
+#include <qix/CTestSkippedException.h>
+#include <qix/detail/check.h>
+#include <qix/detail/registration.h>
+
+#include "CTestRun.h"
+#include "decodedText.h"
+#include "failureText.h"
+
+#include <string>
+#include <utility>
+
+namespace qix::detail
+{
+
+namespace
+{
+
+/// What the check that is failing on this thread has to tell beside its expression.
+thread_local std::string keptText;
+
+void writeValue(CValueWriter& out, SValue const& value)
+{
+    try
+    {
+        value.describe(out, value.object);
+    }
+    catch (std::exception const&)
+    {
+        out.text("<writing it threw " + currentExceptionText() + ">");
+    }
+}
+
+std::string takeKeptText()
+{
+    return std::exchange(keptText, std::string());
+}
+
+std::string failureText(char const* file, int line, char const* check)
+{
+    std::string text = placeText(file, line) + ": " + check + " failed";
+    std::string const kept = takeKeptText();
+    if (!kept.empty())
+    {
+        text += "\n    " + kept;
+    }
+    return text;
+}
+
+void noteOrThrow(std::string const& failure)
+{
+    if (!CTestRun::noteInCurrent(failure))
+    {
+        throw CTestFailedException(failure + "\n    outside of any running test");
+    }
+}
+
+[[noreturn]] void noteAndThrow(std::string const& failure)
+{
+    noteOrThrow(failure);
+    throw CRequirementFailedException(failure);
+}
+
+} // namespace
+
+void keepValues(SValue const& left, char const* comparison, SValue const& right)
+{
+    CValueWriter out;
+    out.text("with ");
+    writeValue(out, left);
+    out.text(" ");
+    out.text(comparison);
+    out.text(" ");
+    writeValue(out, right);
+    keptText = withIndentedLines(out.written());
+}
+
+void keepValue(SValue const& value)
+{
+    CValueWriter out;
+    out.text("with ");
+    writeValue(out, value);
+    keptText = withIndentedLines(out.written());
+}
+
+void keepException()
+{
+    keptText = "it threw " + currentExceptionText();
+}
+
+void keepNothingThrown()
+{
+    keptText = "nothing was thrown";
+}
+
+void noteFailure(char const* file, int line, char const* check)
+{
+    noteOrThrow(failureText(file, line, check));
+}
+
+void failRequirement(char const* file, int line, char const* check)
+{
+    noteAndThrow(failureText(file, line, check));
+}
+
+void failWithBytes(char const* file, int line, std::string_view message)
+{
+    noteAndThrow(placeText(file, line) + ": " + withIndentedLines(std::string(message)));
+}
+
+void failWithText(char const* file, int line, zel::String const& message)
+{
+    failWithBytes(file, line, message.toCPSafe());
+}
+
+void skip()
+{
+    throw CTestSkippedException();
+}
+
+void abortWithBytes(std::string_view message)
+{
+    abortWithText(decodedText(message));
+}
+
+void abortWithText(zel::String const& message)
+{
+    throw CTestAbortedException(message);
+}
+
+void runSubTest(std::string_view name, CRowRef row, char const* file, int line)
+{
+    CTestRun* const run = CTestRun::ofThisThread();
+    if (run == nullptr)
+    {
+        throw zel::CError(decodedText(placeText(file, line) +
+                                      ": subTest() was called where no test runs on this thread"));
+    }
+    run->runSubTest(std::string(name), row, placeText(file, line));
+}
+
+void logBytes(std::string_view line)
+{
+    logText(decodedText(line));
+}
+
+void logText(zel::String const& line)
+{
+    if (!CTestRun::logInCurrent(line))
+    {
+        throw zel::CError("log() was called while no test is running");
+    }
+}
+
+} // namespace qix::detail

@@ -1,0 +1,64 @@
+#include "failureText.h"
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+
+#include <cxxabi.h>
+
+namespace qix
+{
+
+namespace
+{
+
+std::string nameOfType(std::type_info const& type)
+{
+    int status = 0;
+    std::unique_ptr<char, decltype(&std::free)> const name(
+        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
+    return name == nullptr ? type.name() : name.get();
+}
+
+std::string nameOfCurrentExceptionType()
+{
+    std::type_info const* const type = abi::__cxa_current_exception_type();
+    return type == nullptr ? "an exception of another language" : nameOfType(*type);
+}
+
+} // namespace
+
+std::string placeText(char const* file, int line)
+{
+    return std::string(file) + ":" + std::to_string(line);
+}
+
+std::string currentExceptionText()
+{
+    std::string const type = nameOfCurrentExceptionType();
+    try
+    {
+        throw;
+    }
+    catch (std::exception const& e)
+    {
+        return type + ": " + withIndentedLines(e.what());
+    }
+    catch (...)
+    {
+        return type;
+    }
+}
+
+std::string withIndentedLines(std::string const& text)
+{
+    std::string indented;
+    for (char const character : text)
+    {
+        indented += character;
+        indented += character == '\n' ? "    " : "";
+    }
+    return indented;
+}
+
+} // namespace qix
