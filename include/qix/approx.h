@@ -20,6 +20,7 @@ class CValueWriter;
 class QIX_EXPORT CApprox
 {
 public:
+    /// \p value with a relative tolerance of one in a million.
     explicit CApprox(double value) noexcept : m_value(value) {}
 
     /// Allows a difference of \p tolerance times the value's magnitude.
@@ -49,24 +50,28 @@ CApprox approx(T value) noexcept
     return CApprox(static_cast<double>(value));
 }
 
+/// True when the number is within the tolerance.
 template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
 bool operator==(T left, CApprox const& right) noexcept
 {
     return right.equals(static_cast<double>(left));
 }
 
+/// True when the number is within the tolerance.
 template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
 bool operator==(CApprox const& left, T right) noexcept
 {
     return left.equals(static_cast<double>(right));
 }
 
+/// True when the number is not within the tolerance.
 template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
 bool operator!=(T left, CApprox const& right) noexcept
 {
     return !right.equals(static_cast<double>(left));
 }
 
+/// True when the number is not within the tolerance.
 template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
 bool operator!=(CApprox const& left, T right) noexcept
 {

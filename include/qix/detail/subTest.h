@@ -57,6 +57,9 @@ namespace qix
 ///
 /// Call it on the thread that runs the test: throws zel::CError on others and outside of tests.
 /// \param name  the last component of the row's dotted path
+/// \param row   what is called; it is not kept
+/// \param file  with \p line, where the call stands, which is told when the row fails
+/// \param line  see \p file
 template <typename Row>
 void subTest(std::string_view name, Row&& row, char const* file = __builtin_FILE(),
              int line = __builtin_LINE())
