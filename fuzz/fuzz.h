@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string>
 
+#include <unistd.h>
+
 /// What libFuzzer, or the replay of a corpus, calls with each input.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 
@@ -18,7 +20,7 @@ inline void require(bool holds, std::string const& what)
 {
     if (!holds)
     {
-        std::fprintf(stderr, "does not hold: %s\n", what.c_str());
+        dprintf(STDERR_FILENO, "does not hold: %s\n", what.c_str());
         std::abort();
     }
 }
@@ -67,35 +69,37 @@ private:
     std::size_t m_position = 0;
 };
 
-/// Collects what is written to standard output through stdio while it lives.
-class CapturedOutput
+/// Collects what is written to standard output or standard error through stdio while it lives.
+class CapturedStream
 {
 public:
-    CapturedOutput() : m_original(stdout), m_stream(open_memstream(&m_bytes, &m_size))
+    explicit CapturedStream(std::FILE*& stream)
+        : m_stream(stream), m_original(stream), m_collector(open_memstream(&m_bytes, &m_size))
     {
-        require(m_stream != nullptr, "there is memory for the output");
-        stdout = m_stream;
+        require(m_collector != nullptr, "there is memory for the output");
+        m_stream = m_collector;
     }
-    ~CapturedOutput()
+    ~CapturedStream()
     {
-        stdout = m_original;
-        std::fclose(m_stream);
+        m_stream = m_original;
+        std::fclose(m_collector);
         std::free(m_bytes);
     }
-    CapturedOutput(CapturedOutput const&) = delete;
-    CapturedOutput& operator=(CapturedOutput const&) = delete;
+    CapturedStream(CapturedStream const&) = delete;
+    CapturedStream& operator=(CapturedStream const&) = delete;
 
     std::string text() const
     {
-        std::fflush(m_stream);
+        std::fflush(m_collector);
         return std::string(m_bytes, m_size);
     }
 
 private:
+    std::FILE*& m_stream;
     std::FILE* m_original;
     char* m_bytes = nullptr;
     std::size_t m_size = 0;
-    std::FILE* m_stream;
+    std::FILE* m_collector;
 };
 
 } // namespace fuzz

@@ -60,7 +60,7 @@ struct Seen
 
 Seen apply(ShownRunner& runner, std::string const& line)
 {
-    fuzz::CapturedOutput const output;
+    fuzz::CapturedStream const output(stdout);
     Seen seen;
     try
     {
