@@ -8,8 +8,12 @@
 
 #include <qix/CConsoleTestRunner.h>
 #include <qix/CTestAbortedException.h>
+<<<<<<< HEAD
 #include <qix/CTestFailedException.h>
 #include <qix/CTestItem.h>
+=======
+#include <qix/CTestFolder.h>
+>>>>>>> 6975e5e (Add paths, buffers, folders, file streams, test folders and secrets)
 #include <qix/CTestItemGroup.h>
 #include <qix/CTestSkippedException.h>
 #include <qix/ITestItem.h>
@@ -17,3 +21,5 @@
 #include <qix/ITestRunner.h>
 #include <qix/export.h>
 #include <qix/main.h>
+#include <qix/secret.h>
+#include <qix/util.h>

@@ -5,14 +5,39 @@
 namespace zel
 {
 
+namespace
+{
+
+String decode(std::string const& bytes)
+{
+    return wxString(bytes.data(), wxConvLocal, bytes.size());
+}
+
+} // namespace
+
 std::optional<String> decodeLocaleText(std::string const& bytes)
 {
-    String text(wxString(bytes.data(), wxConvLocal, bytes.size()));
+    String text = decode(bytes);
     if (text.toCPSafe() != bytes)
     {
         return std::nullopt;
     }
     return text;
+}
+
+std::optional<std::string> encodeLocaleText(String const& text)
+{
+    std::string bytes = text.toCPSafe();
+    if (decode(bytes) != text)
+    {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+String decodeForMessage(std::string const& bytes)
+{
+    return decodeLocaleText(bytes).value_or(String(bytes));
 }
 
 } // namespace zel

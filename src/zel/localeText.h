@@ -12,4 +12,12 @@ namespace zel
 /// the text would not give the same bytes again, as it names something else then.
 std::optional<String> decodeLocaleText(std::string const& bytes);
 
+/// Encodes text for the system with the locale's encoding. Nothing is returned when the bytes
+/// would not give the same text again.
+std::optional<std::string> encodeLocaleText(String const& text);
+
+/// Decodes bytes for people: with the locale's encoding or, where they are not valid in it, as
+/// ISO-8859-1.
+String decodeForMessage(std::string const& bytes);
+
 } // namespace zel

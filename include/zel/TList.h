@@ -1,0 +1,31 @@
+#pragma once
+
+#include <zel/CBase.h>
+#include <zel/String.h>
+
+#include <list>
+
+namespace zel
+{
+
+/// A doubly linked list that can be shared. Its elements are used as those of a std::list.
+template <typename T>
+class ZEL_EXPORT TList : public std::list<T>, public CBase
+{
+public:
+    using std::list<T>::list;
+
+    /// No elements.
+    TList() = default;
+
+    /// A copy is an object of its own, with copies of the elements.
+    TList(TList const& other) : std::list<T>(other), CBase() {}
+
+    /// Replaces the elements by copies of the other's.
+    TList& operator=(TList const& other) = default;
+    ~TList() override = default;
+};
+
+extern template class TList<String>;
+
+} // namespace zel

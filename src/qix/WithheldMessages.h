@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace qix
+{
+
+/// Keeps back what wxWidgets logs and asserts on this thread while it lives, since it quotes the
+/// text that it complains about. What it complains about is noted in words of ours.
+///
+/// The log target and the assertion handler belong to the process, so that one thread at a time
+/// has one of these and others wait. Messages of other threads go where they went before.
+class WithheldMessages
+{
+public:
+    WithheldMessages();
+    ~WithheldMessages();
+    WithheldMessages(WithheldMessages const&) = delete;
+    WithheldMessages& operator=(WithheldMessages const&) = delete;
+
+    /// The first complaint, or nothing when there was none. It quotes nothing.
+    std::optional<std::string> getComplaint() const;
+};
+
+} // namespace qix

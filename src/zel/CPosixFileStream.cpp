@@ -1,0 +1,115 @@
+#include <zel/CPosixFileInStream.h>
+#include <zel/CPosixFileStream.h>
+
+#include "FileDescriptor.h"
+#include "systemPath.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zel
+{
+
+namespace
+{
+
+constexpr char const openOperation[] = "open the file";
+constexpr char const lengthOperation[] = "tell the length of the file";
+constexpr char const readOperation[] = "read the file";
+
+int openRetrying(std::string const& path, int flags)
+{
+    int descriptor = -1;
+    do
+    {
+        descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+int openFile(TPathImpl<CUnixPathTraits> const& path, int flags)
+{
+    FileDescriptor file(openRetrying(toSystemPath(openOperation, path), flags));
+    struct stat status = {};
+    if (!file.isOpen() || fstat(file.get(), &status) != 0)
+    {
+        throwFileError(openOperation, path.getText(), errno);
+    }
+    if (S_ISDIR(status.st_mode))
+    {
+        throwFileError(openOperation, path.getText(), EISDIR);
+    }
+    return file.release();
+}
+
+/// Reads once, as often as a signal interrupts it.
+ssize_t readRetrying(int descriptor, void* buffer, std::size_t count)
+{
+    ssize_t length = -1;
+    do
+    {
+        length = ::read(descriptor, buffer, count);
+    } while (length < 0 && errno == EINTR);
+    return length;
+}
+
+} // namespace
+
+CPosixFileStream::CPosixFileStream(TPathImpl<CUnixPathTraits> const& path, int flags)
+    : m_path(path), m_descriptor(openFile(path, flags))
+{
+}
+
+CPosixFileStream::~CPosixFileStream()
+{
+    close(m_descriptor);
+}
+
+std::int64_t CPosixFileStream::getLength() const
+{
+    struct stat status = {};
+    if (fstat(m_descriptor, &status) != 0)
+    {
+        throwFileError(lengthOperation, m_path.getText(), errno);
+    }
+    // Of anything but a file and a device the length is told as 0, whatever is in it.
+    if (!S_ISREG(status.st_mode) && lseek(m_descriptor, 0, SEEK_CUR) < 0)
+    {
+        throwFileError(lengthOperation, m_path.getText(), errno);
+    }
+    return status.st_size;
+}
+
+int CPosixFileStream::read(void* buffer, int count)
+{
+    int done = 0;
+    while (done < count)
+    {
+        ssize_t const length = readRetrying(m_descriptor, static_cast<char*>(buffer) + done,
+                                            static_cast<std::size_t>(count - done));
+        if (length < 0)
+        {
+            throwFileError(readOperation, m_path.getText(), errno);
+        }
+        if (length == 0)
+        {
+            break;
+        }
+        done += static_cast<int>(length);
+    }
+    return done;
+}
+
+CPosixFileInStream::CPosixFileInStream(TPathImpl<CUnixPathTraits> const& path)
+    : CPosixFileStream(path, O_RDONLY)
+{
+}
+
+CPosixFileInStream::~CPosixFileInStream() = default;
+
+} // namespace zel

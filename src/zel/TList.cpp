@@ -1,0 +1,8 @@
+#include <zel/TList.h>
+
+namespace zel
+{
+
+template class TList<String>;
+
+} // namespace zel
