@@ -8,12 +8,9 @@
 
 #include <qix/CConsoleTestRunner.h>
 #include <qix/CTestAbortedException.h>
-<<<<<<< HEAD
 #include <qix/CTestFailedException.h>
 #include <qix/CTestItem.h>
-=======
 #include <qix/CTestFolder.h>
->>>>>>> 6975e5e (Add paths, buffers, folders, file streams, test folders and secrets)
 #include <qix/CTestItemGroup.h>
 #include <qix/CTestSkippedException.h>
 #include <qix/ITestItem.h>
