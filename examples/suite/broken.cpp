@@ -1,6 +1,6 @@
 // A test that fails on purpose, to see what a failure looks like. Run it with "+broken".
 
-#include "leaf.h"
+#include <qix/test.h>
 
 QIX_TEST(broken, tenthsAddUp)
 {

@@ -1,6 +1,6 @@
 // What only a human can tell.
 
-#include "leaf.h"
+#include <qix/test.h>
 
 #include <cstdio>
 #include <iostream>

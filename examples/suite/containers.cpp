@@ -1,6 +1,6 @@
 // Tests of containers under load, against a model that is too simple to be wrong.
 
-#include "leaf.h"
+#include <qix/test.h>
 
 #include <algorithm>
 #include <chrono>
