@@ -1,16 +1,19 @@
 // Tests of every duration, with and without a human, in groups and alone. The clock stands still
 // unless a test moves it, so that each test takes as long as its class wants.
-#include "CClock.h"
 #include "suite.h"
+
+#include <CFakeClock.h>
 
 using namespace suite;
 
 namespace
 {
 
+test::CFakeClock clockOfTests;
+
 Self::Work lasting(std::time_t seconds)
 {
-    return [seconds](Self&, ITestRunner&) { CClock::advance(seconds); };
+    return [seconds](Self&, ITestRunner&) { clockOfTests.advance(seconds); };
 }
 
 /// An interactive test that says so only at one of the two places.

@@ -1,12 +1,16 @@
 // Tests that report sub-tests themselves, and tests that leave theirs open. The clock stands still.
 #include "suite.h"
 
+#include <CFakeClock.h>
+
 #include <stdexcept>
 
 using namespace suite;
 
 namespace
 {
+
+test::CFakeClock clockOfTests;
 
 bool begin(ITestRunner& runner, std::string const& name,
            ITestItem::Duration duration = ITestItem::Short)

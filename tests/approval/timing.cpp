@@ -1,6 +1,7 @@
 // Tests that take the shortest and the longest time of their class, and one second more or less.
-#include "CClock.h"
 #include "suite.h"
+
+#include <CFakeClock.h>
 
 #include <stdexcept>
 
@@ -8,6 +9,8 @@ using namespace suite;
 
 namespace
 {
+
+test::CFakeClock clockOfTests;
 
 std::string nameOf(std::string const& duration, std::time_t seconds)
 {
@@ -21,33 +24,33 @@ Items testsLasting(std::string const& name, ITestItem::Duration duration,
     for (std::time_t const seconds : times)
     {
         items.push_back(leaf(
-            nameOf(name, seconds), [seconds](Self&, ITestRunner&) { CClock::advance(seconds); },
-            duration));
+            nameOf(name, seconds),
+            [seconds](Self&, ITestRunner&) { clockOfTests.advance(seconds); }, duration));
     }
     return items;
 }
 
 void takeAMinuteAndFail(Self&, ITestRunner&)
 {
-    CClock::advance(60);
+    clockOfTests.advance(60);
     throw std::runtime_error("late");
 }
 
 void takeAMinuteAndSkip(Self&, ITestRunner&)
 {
-    CClock::advance(60);
+    clockOfTests.advance(60);
     throw qix::CTestSkippedException();
 }
 
 void takeAMinuteAndAbort(Self&, ITestRunner&)
 {
-    CClock::advance(60);
+    clockOfTests.advance(60);
     throw qix::CTestAbortedException("stopped");
 }
 
 void takeAMinute(Self&, ITestRunner&)
 {
-    CClock::advance(60);
+    clockOfTests.advance(60);
 }
 
 /// The slow part is warned about, and so is the test around it.
@@ -55,7 +58,7 @@ void reportASlowPart(Self&, ITestRunner& runner)
 {
     if (runner.beginSubTest("part", ITestItem::Short, false, false))
     {
-        CClock::advance(21);
+        clockOfTests.advance(21);
         runner.endSubTest_Success();
     }
 }
