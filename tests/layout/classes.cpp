@@ -1,0 +1,31 @@
+// The classes whose layout is a promise: one line for each, and a file under expected/.
+
+#include <qix/qix.h>
+#include <zel/zel.h>
+
+#define SHOW(...) static_assert(sizeof(__VA_ARGS__) > 0)
+
+SHOW(zel::IBase);
+SHOW(zel::CBase);
+SHOW(zel::P<zel::CBase>);
+SHOW(zel::String);
+SHOW(zel::CProps);
+SHOW(zel::CError);
+SHOW(zel::CInvalidArgError);
+SHOW(zel::CMutexLock);
+SHOW(zel::CSafeGlobalGuard);
+SHOW(zel::TSafeGlobalPointer<zel::CCachedEnvVars>);
+
+SHOW(qix::ITestItem);
+SHOW(qix::ITestRunner);
+SHOW(qix::ITestItemFactory);
+SHOW(qix::CTestAbortedException);
+SHOW(qix::CTestSkippedException);
+SHOW(qix::CTestItemGroup);
+SHOW(qix::CConsoleTestRunner);
+
+struct Nested : qix::CConsoleTestRunner
+{
+    SHOW(qix::CConsoleTestRunner::RunningRecord);
+    SHOW(qix::CConsoleTestRunner::FailInfo);
+};
