@@ -1,5 +1,6 @@
 // Tests of std::filesystem, each in a folder of its own below the working directory.
 
+#include <qix/CTestFolder.h>
 #include <qix/test.h>
 
 #include <filesystem>
@@ -13,28 +14,17 @@ namespace fs = std::filesystem;
 namespace
 {
 
-/// An empty folder that is there as long as the object.
+/// A test folder, as the paths of the library that is tested.
 class CScratchFolder
 {
 public:
-    explicit CScratchFolder(std::string const& name) : m_path(fs::current_path() / name)
-    {
-        fs::remove_all(m_path);
-        fs::create_directory(m_path);
-    }
-    ~CScratchFolder()
-    {
-        std::error_code ignored;
-        fs::remove_all(m_path, ignored);
-    }
-    CScratchFolder(CScratchFolder const&) = delete;
-    CScratchFolder& operator=(CScratchFolder const&) = delete;
+    explicit CScratchFolder(std::string const& name) : m_folder(name) {}
 
-    fs::path operator/(std::string const& name) const { return m_path / name; }
-    fs::path const& path() const { return m_path; }
+    fs::path path() const { return m_folder.getPath().getText().toCPSafe(); }
+    fs::path operator/(std::string const& name) const { return path() / name; }
 
 private:
-    fs::path m_path;
+    qix::CTestFolder m_folder;
 };
 
 void writeFile(fs::path const& path, std::string const& text)
