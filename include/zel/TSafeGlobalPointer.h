@@ -48,11 +48,12 @@ public:
     TSafeGlobalPointer(GuardFunction guard, CreateFunction create)
     {
         CMutexLock const lock(getGlobalMutex());
-        if (guard().isStarted())
+        CSafeGlobalGuard& started = guard();
+        if (started.isStarted())
         {
             return;
         }
-        guard().setStarted();
+        started.setStarted();
         try
         {
             setState(notUsable);
