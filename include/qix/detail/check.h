@@ -266,11 +266,3 @@ struct SDecomposer
 };
 
 } // namespace qix::detail
-
-// Both operators bind less than what users have in front of a comparison, and TOperand hands on
-// what << takes too much. Each compiler warns about one of the two beside a comparison.
-#ifdef __clang__
-#define QIX_DETAIL_TAKE_APART(...) (::qix::detail::SDecomposer() <= __VA_ARGS__)
-#else
-#define QIX_DETAIL_TAKE_APART(...) (::qix::detail::SDecomposer() << __VA_ARGS__)
-#endif

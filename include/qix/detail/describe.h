@@ -73,6 +73,9 @@ using OptionalTrait =
 template <typename T>
 using PointerTrait = std::enable_if_t<std::is_pointer_v<decltype(std::declval<T const&>().get())>>;
 template <typename T>
+using BufferTrait =
+    decltype(std::declval<T const&>().getData()[std::declval<T const&>().getUsed()]);
+template <typename T>
 using TimeTrait = decltype(std::declval<T const&>().count() * T::period::num);
 
 template <typename T>
@@ -154,13 +157,22 @@ void describeArithmetic(CValueWriter& out, T value)
 }
 
 template <typename T>
-void describePointer(CValueWriter& out, T* value)
+void describeAddress(CValueWriter& out, T* value)
 {
     if constexpr (std::is_function_v<T>)
     {
         out.address(reinterpret_cast<void const*>(value));
     }
-    else if constexpr (std::is_same_v<std::remove_cv_t<T>, char>)
+    else
+    {
+        out.address(const_cast<void const*>(static_cast<void const volatile*>(value)));
+    }
+}
+
+template <typename T>
+void describePointer(CValueWriter& out, T* value)
+{
+    if constexpr (std::is_same_v<std::remove_cv_t<T>, char>)
     {
         value == nullptr ? out.address(value) : out.quoted(std::string_view(value));
     }
@@ -170,7 +182,7 @@ void describePointer(CValueWriter& out, T* value)
     }
     else
     {
-        out.address(const_cast<void const*>(static_cast<void const volatile*>(value)));
+        describeAddress(out, value);
     }
 }
 
@@ -194,7 +206,12 @@ void describeObject(CValueWriter& out, T const& value)
     }
     else if constexpr (fulfils<T, PointerTrait>)
     {
-        describePointer(out, value.get());
+        // Text would be read up to a NUL, which the array of a smart pointer may lack.
+        describeAddress(out, value.get());
+    }
+    else if constexpr (fulfils<T, BufferTrait>)
+    {
+        out.bytes(value.getData(), static_cast<std::size_t>(value.getUsed()));
     }
     else if constexpr (fulfils<T, StreamTrait>)
     {
