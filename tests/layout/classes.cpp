@@ -12,9 +12,15 @@ SHOW(zel::String);
 SHOW(zel::CProps);
 SHOW(zel::CError);
 SHOW(zel::CInvalidArgError);
+SHOW(zel::CBadPathError);
 SHOW(zel::CMutexLock);
 SHOW(zel::CSafeGlobalGuard);
 SHOW(zel::TSafeGlobalPointer<zel::CCachedEnvVars>);
+SHOW(zel::CPathTraitsBase);
+SHOW(zel::CUnixPathTraits);
+SHOW(zel::TPathImpl<zel::CUnixPathTraits>);
+SHOW(zel::TList<zel::String>);
+SHOW(zel::TBuffer<char>);
 
 SHOW(qix::ITestItem);
 SHOW(qix::ITestRunner);
@@ -23,6 +29,7 @@ SHOW(qix::CTestAbortedException);
 SHOW(qix::CTestSkippedException);
 SHOW(qix::CTestItemGroup);
 SHOW(qix::CConsoleTestRunner);
+SHOW(qix::CTestFolder);
 
 struct Nested : qix::CConsoleTestRunner
 {
