@@ -1,5 +1,6 @@
 # What every target of the project is built with: qix_options(<target>...), and what a library of
-# the project shows to others: qix_exports(<target>).
+# the project shows to others: qix_exports(<target>). Where failed checks stand, as they tell it:
+# qix_places_below(<folder> <target>).
 
 function(qix_options)
     foreach(target IN LISTS ARGN)
@@ -28,4 +29,12 @@ function(qix_exports target)
     set(map "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
     target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${map}")
+endfunction()
+
+# A failed check names its file as it is called in the folder, wherever that lies. A compiler cache
+# may hand the compiler paths that are relative to the folder of the build.
+function(qix_places_below folder target)
+    file(RELATIVE_PATH relative "${CMAKE_BINARY_DIR}" "${folder}")
+    target_compile_options(${target} PRIVATE
+        "-fmacro-prefix-map=${folder}/=" "-fmacro-prefix-map=${relative}/=")
 endfunction()
