@@ -27,9 +27,9 @@ class CRegistry;
 /// - When the first clean() throws, nothing else is called.
 /// - body() is called only if setUp() returned; tearDown() whenever setUp() was called, so it
 ///   must cope with what is not set up; the last clean() always.
-/// - Whichever of them throws first decides how the test ends. What others throw later, in
-///   tearDown() say, is listed below it and hides nothing.
-/// - Failed checks fail the test at its end, also if it skipped or aborted itself afterwards.
+/// - Failed checks fail the test at its end. What is thrown later, in tearDown() say, is listed
+///   below what went wrong first and hides nothing.
+/// - A failure outweighs a skip and an abort, whichever came first; of those two the first counts.
 /// - What is thrown and is no std::exception counts as a failure, too.
 ///
 /// Everything but log() belongs to the thread that runs the test.

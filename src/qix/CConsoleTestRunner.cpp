@@ -4,7 +4,8 @@
 #include <zel/CError.h>
 #include <zel/debug.h>
 
-#include "forkInTest.h"
+#include "CForkInTest.h"
+#include "indent.h"
 #include "nullItem.h"
 
 #include <optional>
@@ -51,7 +52,7 @@ void printAsFormat(std::string const& format)
 
 void runInOneProcess(ITestItem& item, ITestRunner* runner)
 {
-    ForkInTest const guard;
+    CForkInTest const guard;
     item.run(runner);
 }
 
@@ -171,7 +172,7 @@ bool CConsoleTestRunner::beginSubTest(std::string const& name, ITestItem::Durati
     }
     m_running.push_back({name, m_beginCount, duration, isInteractive, std::time(nullptr)});
     ++m_beginCount;
-    m_indent += "  ";
+    m_indent += indentOfOneLevel;
     return true;
 }
 
@@ -231,7 +232,7 @@ void CConsoleTestRunner::finalizeSubTest(bool success)
         warnAboutDuration(m_running.back());
     }
     m_running.pop_back();
-    m_indent.resize(m_indent.size() < 2 ? m_indent.size() : m_indent.size() - 2);
+    outdent(m_indent);
 }
 
 void CConsoleTestRunner::warnAboutDuration(RunningRecord const& record) const

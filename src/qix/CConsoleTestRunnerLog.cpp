@@ -1,20 +1,22 @@
 #include <qix/CConsoleTestRunner.h>
 #include <zel/String.h>
 
+#include "indent.h"
+
 namespace qix
 {
 
 namespace
 {
 
-/// Indents the log by two blanks more while it lives.
-class Indentation
+/// Indents the log by one level more while it lives.
+class CIndentation
 {
 public:
-    explicit Indentation(std::string& indent) : m_indent(indent) { m_indent += "  "; }
-    ~Indentation() { m_indent.resize(m_indent.size() < 2 ? m_indent.size() : m_indent.size() - 2); }
-    Indentation(Indentation const&) = delete;
-    Indentation& operator=(Indentation const&) = delete;
+    explicit CIndentation(std::string& indent) : m_indent(indent) { m_indent += indentOfOneLevel; }
+    ~CIndentation() { outdent(m_indent); }
+    CIndentation(CIndentation const&) = delete;
+    CIndentation& operator=(CIndentation const&) = delete;
 
 private:
     std::string& m_indent;
@@ -68,7 +70,7 @@ void CConsoleTestRunner::logItemOutput(ITestItem* item)
         return;
     }
     logIndent("Output:\n");
-    Indentation const indentation(m_indent);
+    CIndentation const indentation(m_indent);
     for (zel::String const& line : lines)
     {
         logIndent(line.toCPSafe());

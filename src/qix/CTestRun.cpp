@@ -143,9 +143,9 @@ bool CTestRun::tryStep(char const* name, detail::CRowRef step)
     {
         keepOutcome();
     }
-    catch (std::exception const& e)
+    catch (std::exception const&)
     {
-        keepError(name, e);
+        keepError(name);
     }
     catch (abi::__forced_unwind const&)
     {
@@ -167,7 +167,7 @@ void CTestRun::keepOutcome()
     }
 }
 
-void CTestRun::keepError(char const* step, std::exception const&)
+void CTestRun::keepError(char const* step)
 {
     if (m_error == nullptr)
     {

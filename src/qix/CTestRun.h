@@ -65,7 +65,7 @@ private:
 
     bool endSubTest(CTestRun& row);
     void keepOutcome();
-    void keepError(char const* step, std::exception const& error);
+    void keepError(char const* step);
     void note(std::string const& failure);
     void noteUnlocked(std::string const& failure);
     void leave() noexcept;

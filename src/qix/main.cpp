@@ -1,7 +1,7 @@
 #include <qix/CConsoleTestRunner.h>
 #include <qix/main.h>
 
-#include "exitInTest.h"
+#include "CExitInTest.h"
 #include "standardDescriptors.h"
 #include "standardInput.h"
 
@@ -58,7 +58,7 @@ void printError(char const* message, char const* reason = "")
 
 int runSelection(char** begin, char** end)
 {
-    ExitInTest const guard;
+    CExitInTest const guard;
     try
     {
         std::vector<char const*> lines(begin, end);

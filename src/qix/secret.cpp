@@ -5,7 +5,7 @@
 #include <zel/TBuffer.h>
 #include <zel/TPathImpl.h>
 
-#include "WithheldMessages.h"
+#include "CWithheldMessages.h"
 
 #include <wx/fileconf.h>
 #include <wx/mstream.h>
@@ -138,7 +138,7 @@ std::optional<zel::String> lookUpQuietly(zel::CPath const& path, Buffer const& b
     std::optional<zel::String> value;
     std::optional<std::string> complaint;
     {
-        WithheldMessages const withheld;
+        CWithheldMessages const withheld;
         value = lookUp(bytes, lookupPath);
         complaint = withheld.getComplaint();
     }

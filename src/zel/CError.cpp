@@ -1,5 +1,7 @@
 #include <zel/CError.h>
 
+#include "FreeDeleter.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -11,11 +13,6 @@ namespace zel
 
 namespace
 {
-
-struct FreeDeleter
-{
-    void operator()(char* text) const noexcept { std::free(text); }
-};
 
 /// The buffer frees its text with free(). Copies of such a buffer share it under a count that is
 /// not atomic, so that every error has a buffer of its own.

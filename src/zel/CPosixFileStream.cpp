@@ -1,7 +1,7 @@
 #include <zel/CPosixFileInStream.h>
 #include <zel/CPosixFileStream.h>
 
-#include "FileDescriptor.h"
+#include "CFileDescriptor.h"
 #include "systemPath.h"
 
 #include <cerrno>
@@ -34,7 +34,7 @@ int openRetrying(std::string const& path, int flags)
 
 int openFile(TPathImpl<CUnixPathTraits> const& path, int flags)
 {
-    FileDescriptor file(openRetrying(toSystemPath(openOperation, path), flags));
+    CFileDescriptor file(openRetrying(toSystemPath(openOperation, path), flags));
     struct stat status = {};
     if (!file.isOpen() || fstat(file.get(), &status) != 0)
     {

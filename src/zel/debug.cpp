@@ -35,10 +35,10 @@ void ignoreSignal(int) noexcept
 /// Makes SIGTRAP harmless and deliverable to this thread while it lives. A debugger sees the
 /// signal before any handler does; any other tracer passes it on, and its default action would
 /// end the process.
-class HarmlessTrap
+class CHarmlessTrap
 {
 public:
-    HarmlessTrap() noexcept
+    CHarmlessTrap() noexcept
     {
         struct sigaction ignore = {};
         ignore.sa_handler = &ignoreSignal;
@@ -50,14 +50,14 @@ public:
         pthread_sigmask(SIG_UNBLOCK, &trap, &m_oldMask);
     }
 
-    ~HarmlessTrap()
+    ~CHarmlessTrap()
     {
         pthread_sigmask(SIG_SETMASK, &m_oldMask, nullptr);
         sigaction(SIGTRAP, &m_oldAction, nullptr);
     }
 
-    HarmlessTrap(HarmlessTrap const&) = delete;
-    HarmlessTrap& operator=(HarmlessTrap const&) = delete;
+    CHarmlessTrap(CHarmlessTrap const&) = delete;
+    CHarmlessTrap& operator=(CHarmlessTrap const&) = delete;
 
 private:
     struct sigaction m_oldAction = {};
@@ -75,7 +75,7 @@ void debugBreak()
     // One thread at a time: the action of a signal belongs to the whole process.
     static std::mutex mutex;
     std::lock_guard<std::mutex> const lock(mutex);
-    HarmlessTrap const harmless;
+    CHarmlessTrap const harmless;
     raise(SIGTRAP);
 }
 

@@ -1,11 +1,11 @@
 #include <zel/CError.h>
 #include <zel/filesystem.h>
 
+#include "FreeDeleter.h"
 #include "localeText.h"
 #include "systemPath.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -20,11 +20,6 @@ namespace
 
 constexpr char const ensureOperation[] = "create the folder";
 constexpr char const currentOperation[] = "tell the current folder";
-
-struct FreeDeleter
-{
-    void operator()(char* text) const noexcept { std::free(text); }
-};
 
 bool isFolder(std::string const& path)
 {

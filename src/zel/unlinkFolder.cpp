@@ -1,6 +1,6 @@
 #include <zel/filesystem.h>
 
-#include "FileDescriptor.h"
+#include "CFileDescriptor.h"
 #include "localeText.h"
 #include "systemPath.h"
 
@@ -66,12 +66,12 @@ int openFolder(int parent, std::string const& name)
 /// It walks down and up with the descriptor of the current folder alone, so that the depth of the
 /// tree costs no descriptors and no stack. On the way up ".." is checked to be the folder that it
 /// came from: a folder that is moved elsewhere meanwhile does not take the removal with it.
-class FolderRemover
+class CFolderRemover
 {
 public:
     /// \param path    tells the folder in errors
     /// \param parent  the folder above it
-    FolderRemover(String const& path, FileDescriptor parent)
+    CFolderRemover(String const& path, CFileDescriptor parent)
         : m_path(path), m_parent(std::move(parent))
     {
     }
@@ -99,7 +99,7 @@ private:
     /// Goes into a folder of the current one and removes the files in it.
     void enter(std::string const& name)
     {
-        FileDescriptor folder = open(name);
+        CFileDescriptor folder = open(name);
         if (!folder.isOpen())
         {
             return;
@@ -120,13 +120,13 @@ private:
     }
 
     /// Nothing is open when the folder has gone, or has become something that is not a folder.
-    FileDescriptor open(std::string const& name)
+    CFileDescriptor open(std::string const& name)
     {
-        FileDescriptor folder(openFolder(current(), name));
+        CFileDescriptor folder(openFolder(current(), name));
         if (!folder.isOpen() && errno == EACCES &&
             fchmodat(current(), name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) == 0)
         {
-            folder = FileDescriptor(openFolder(current(), name));
+            folder = CFileDescriptor(openFolder(current(), name));
         }
         if (!folder.isOpen() && (errno == ENOTDIR || errno == ELOOP))
         {
@@ -165,7 +165,8 @@ private:
 
     Directory openForReading()
     {
-        FileDescriptor descriptor(openat(m_current.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        CFileDescriptor descriptor(
+            openat(m_current.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         Directory directory(descriptor.isOpen() ? fdopendir(descriptor.get()) : nullptr);
         if (directory == nullptr)
         {
@@ -192,7 +193,7 @@ private:
     /// Goes up and removes the folder that it comes from.
     void leave()
     {
-        FileDescriptor above = m_levels.size() > 1 ? openAbove() : FileDescriptor();
+        CFileDescriptor above = m_levels.size() > 1 ? openAbove() : CFileDescriptor();
         std::string const name = std::move(m_levels.back().name);
         m_levels.pop_back();
         m_current = std::move(above);
@@ -209,9 +210,9 @@ private:
         enter(name);
     }
 
-    FileDescriptor openAbove()
+    CFileDescriptor openAbove()
     {
-        FileDescriptor above(openFolder(m_current.get(), ".."));
+        CFileDescriptor above(openFolder(m_current.get(), ".."));
         struct stat status = {};
         if (!above.isOpen() || fstat(above.get(), &status) != 0)
         {
@@ -241,8 +242,8 @@ private:
     }
 
     String const m_path;
-    FileDescriptor const m_parent;
-    FileDescriptor m_current;
+    CFileDescriptor const m_parent;
+    CFileDescriptor m_current;
     std::vector<Level> m_levels;
     int m_timesFilledAgain = 0;
 };
@@ -298,7 +299,7 @@ void unlinkFolder(TPathImpl<CUnixPathTraits> const& path)
     {
         throwFileError(operation, text, "it is named by '.' or '..'");
     }
-    FileDescriptor parent(open(parentPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    CFileDescriptor parent(open(parentPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!parent.isOpen() && !isNothingThere(errno))
     {
         throwFileError(operation, text, errno);
@@ -306,7 +307,7 @@ void unlinkFolder(TPathImpl<CUnixPathTraits> const& path)
     auto const kind = parent.isOpen() ? kindOf(text, parent.get(), name) : std::nullopt;
     if (kind == S_IFDIR)
     {
-        FolderRemover(text, std::move(parent)).remove(name);
+        CFolderRemover(text, std::move(parent)).remove(name);
     }
     else if (kind == S_IFLNK)
     {

@@ -1,4 +1,5 @@
 #include <qix/CTestItem.h>
+#include <qix/CTestSkippedException.h>
 #include <zel/P.h>
 #include <zel/String.h>
 
@@ -44,6 +45,26 @@ private:
     Steps m_steps;
 };
 
+class CSkippedTest : public qix::CTestItem
+{
+public:
+    explicit CSkippedTest(bool failsBehind) : CTestItem("skipped"), m_failsBehind(failsBehind) {}
+
+protected:
+    void body() override { throw qix::CTestSkippedException(); }
+
+    void tearDown() override
+    {
+        if (m_failsBehind)
+        {
+            throw std::runtime_error("behind the skip");
+        }
+    }
+
+private:
+    bool m_failsBehind;
+};
+
 Steps stepsWhenThrowing(std::string const& throwingStep)
 {
     zel::P<CHookedTest> const test = zel::newObj<CHookedTest>(throwingStep);
@@ -82,4 +103,10 @@ TEST(CTestItem, cleansUpAlsoBehindAStepThatThrows)
     EXPECT_EQ(stepsWhenThrowing("body"), (Steps{"clean", "setUp", "body", "tearDown", "clean"}));
     EXPECT_EQ(stepsWhenThrowing("tearDown"),
               (Steps{"clean", "setUp", "body", "tearDown", "clean"}));
+}
+
+TEST(CTestItem, failureOutweighsASkip)
+{
+    EXPECT_THROW(zel::newObj<CSkippedTest>(false)->run(nullptr), qix::CTestSkippedException);
+    EXPECT_THROW(zel::newObj<CSkippedTest>(true)->run(nullptr), std::runtime_error);
 }

@@ -11,13 +11,13 @@ namespace qix
 ///
 /// The log target and the assertion handler belong to the process, so that one thread at a time
 /// has one of these and others wait. Messages of other threads go where they went before.
-class WithheldMessages
+class CWithheldMessages
 {
 public:
-    WithheldMessages();
-    ~WithheldMessages();
-    WithheldMessages(WithheldMessages const&) = delete;
-    WithheldMessages& operator=(WithheldMessages const&) = delete;
+    CWithheldMessages();
+    ~CWithheldMessages();
+    CWithheldMessages(CWithheldMessages const&) = delete;
+    CWithheldMessages& operator=(CWithheldMessages const&) = delete;
 
     /// The first complaint, or nothing when there was none. It quotes nothing.
     std::optional<std::string> getComplaint() const;

@@ -1,4 +1,4 @@
-#include "forkInTest.h"
+#include "CForkInTest.h"
 
 #include <atomic>
 #include <cstdio>
@@ -32,11 +32,11 @@ ForksCountedFromLoadOn const forksCountedFromLoadOn;
 
 } // namespace
 
-ForkInTest::ForkInTest() noexcept : m_forks(g_forks)
+CForkInTest::CForkInTest() noexcept : m_forks(g_forks)
 {
 }
 
-ForkInTest::~ForkInTest()
+CForkInTest::~CForkInTest()
 {
     if (g_forks != m_forks)
     {

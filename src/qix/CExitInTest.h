@@ -6,13 +6,13 @@ namespace qix
 /// Lets the process end with an error, and with a word about it, when exit() is called while this
 /// lives: a run that a test has cut short must not look like one that has passed. Processes that
 /// are forked meanwhile may exit as they like. One at a time.
-class ExitInTest
+class CExitInTest
 {
 public:
-    ExitInTest() noexcept;
-    ~ExitInTest();
-    ExitInTest(ExitInTest const&) = delete;
-    ExitInTest& operator=(ExitInTest const&) = delete;
+    CExitInTest() noexcept;
+    ~CExitInTest();
+    CExitInTest(CExitInTest const&) = delete;
+    CExitInTest& operator=(CExitInTest const&) = delete;
 };
 
 } // namespace qix

@@ -1,4 +1,4 @@
-#include "exitInTest.h"
+#include "CExitInTest.h"
 
 #include <atomic>
 #include <cstdio>
@@ -40,12 +40,12 @@ EndOfProcess const endOfProcess;
 
 } // namespace
 
-ExitInTest::ExitInTest() noexcept
+CExitInTest::CExitInTest() noexcept
 {
     g_runningProcess = getpid();
 }
 
-ExitInTest::~ExitInTest()
+CExitInTest::~CExitInTest()
 {
     g_runningProcess = none;
 }

@@ -1,4 +1,4 @@
-#include "WithheldMessages.h"
+#include "CWithheldMessages.h"
 
 #include <wx/debug.h>
 #include <wx/log.h>
@@ -64,7 +64,7 @@ unsigned long lineNumberOf(wxString const& message)
 }
 
 /// Notes what one thread logs and asserts, and passes on what others do.
-class Withholder : public wxLog
+class CWithholder : public wxLog
 {
 public:
     void begin()
@@ -73,7 +73,7 @@ public:
         m_isMain = wxThread::IsMain();
         m_thread = wxThread::GetCurrentId();
         m_oldTarget = m_isMain ? SetActiveTarget(this) : SetThreadActiveTarget(this);
-        m_oldHandler = wxSetAssertHandler(&Withholder::onAssert);
+        m_oldHandler = wxSetAssertHandler(&CWithholder::onAssert);
     }
 
     void end()
@@ -135,17 +135,17 @@ private:
 };
 
 /// Never destroyed: another thread may be logging through it when a call ends.
-Withholder& withholder()
+CWithholder& withholder()
 {
-    alignas(Withholder) static unsigned char storage[sizeof(Withholder)];
-    static Withholder* const instance = new (storage) Withholder();
+    alignas(CWithholder) static unsigned char storage[sizeof(CWithholder)];
+    static CWithholder* const instance = new (storage) CWithholder();
     return *instance;
 }
 
-void Withholder::onAssert(wxString const& file, int line, wxString const& function,
-                          wxString const& condition, wxString const& message)
+void CWithholder::onAssert(wxString const& file, int line, wxString const& function,
+                           wxString const& condition, wxString const& message)
 {
-    Withholder& self = withholder();
+    CWithholder& self = withholder();
     if (self.isOfThisCall())
     {
         self.note(message, nullptr);
@@ -165,19 +165,19 @@ std::mutex& withholderMutex()
 
 } // namespace
 
-WithheldMessages::WithheldMessages()
+CWithheldMessages::CWithheldMessages()
 {
     withholderMutex().lock();
     withholder().begin();
 }
 
-WithheldMessages::~WithheldMessages()
+CWithheldMessages::~CWithheldMessages()
 {
     withholder().end();
     withholderMutex().unlock();
 }
 
-std::optional<std::string> WithheldMessages::getComplaint() const
+std::optional<std::string> CWithheldMessages::getComplaint() const
 {
     std::string const& complaint = withholder().getComplaint();
     return complaint.empty() ? std::nullopt : std::optional<std::string>(complaint);

@@ -6,13 +6,13 @@ namespace qix
 /// Ends a process that was forked while this lived, when it comes to the end of this object's life
 /// too: it would report the test, and run all that follow, once more. Only the process that made
 /// the object gets beyond it.
-class ForkInTest
+class CForkInTest
 {
 public:
-    ForkInTest() noexcept;
-    ~ForkInTest();
-    ForkInTest(ForkInTest const&) = delete;
-    ForkInTest& operator=(ForkInTest const&) = delete;
+    CForkInTest() noexcept;
+    ~CForkInTest();
+    CForkInTest(CForkInTest const&) = delete;
+    CForkInTest& operator=(CForkInTest const&) = delete;
 
 private:
     unsigned m_forks;

@@ -8,20 +8,20 @@ namespace zel
 {
 
 /// Owns an open file descriptor, or none, which is -1.
-class FileDescriptor
+class CFileDescriptor
 {
 public:
-    explicit FileDescriptor(int descriptor = -1) noexcept : m_descriptor(descriptor) {}
-    FileDescriptor(FileDescriptor&& other) noexcept
+    explicit CFileDescriptor(int descriptor = -1) noexcept : m_descriptor(descriptor) {}
+    CFileDescriptor(CFileDescriptor&& other) noexcept
         : m_descriptor(std::exchange(other.m_descriptor, -1))
     {
     }
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    CFileDescriptor& operator=(CFileDescriptor&& other) noexcept
     {
         std::swap(m_descriptor, other.m_descriptor);
         return *this;
     }
-    ~FileDescriptor()
+    ~CFileDescriptor()
     {
         if (m_descriptor >= 0)
         {
