@@ -45,12 +45,12 @@ public:
     CTestItem& operator=(CTestItem const&) = delete;
     ~CTestItem() override;
 
-    std::string getName() const override;
-    Duration getDuration() const override;
-    bool isInteractive() const override;
+    std::string getName() const override { return m_name; }
+    Duration getDuration() const override { return m_duration; }
+    bool isInteractive() const override { return m_interactive; }
 
     /// The same as isInteractive().
-    bool containsAnyInteractive() const override;
+    bool containsAnyInteractive() const override { return isInteractive(); }
 
     /// Forgets the lines of an earlier run and performs the test, as the class tells. Returns for
     /// success and throws otherwise: CTestFailedException when checks failed or several things
@@ -72,7 +72,7 @@ public:
         logBytes(detail::viewOf(line));
     }
 
-    std::vector<zel::String> const& getLog() const override;
+    std::vector<zel::String> const& getLog() const override { return m_logLines; }
 
 protected:
     /// For fixtures of QIX_TEST_F, whose tests get their names and attributes afterwards.

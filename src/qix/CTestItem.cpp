@@ -30,26 +30,6 @@ CTestItem::CTestItem(std::string const& name, Duration duration, bool interactiv
 
 CTestItem::~CTestItem() = default;
 
-std::string CTestItem::getName() const
-{
-    return m_name;
-}
-
-ITestItem::Duration CTestItem::getDuration() const
-{
-    return m_duration;
-}
-
-bool CTestItem::isInteractive() const
-{
-    return m_interactive;
-}
-
-bool CTestItem::containsAnyInteractive() const
-{
-    return isInteractive();
-}
-
 void CTestItem::run(ITestRunner* runner)
 {
     m_logLines.clear();
@@ -80,11 +60,6 @@ void CTestItem::log(zel::String const& line)
 void CTestItem::logBytes(std::string_view line)
 {
     log(decodedText(line));
-}
-
-std::vector<zel::String> const& CTestItem::getLog() const
-{
-    return m_logLines;
 }
 
 void CTestItem::clean()

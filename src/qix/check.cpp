@@ -47,6 +47,12 @@ std::string failureText(char const* file, int line, char const* check)
     return text;
 }
 
+std::string messageText(char const* file, int line, std::string_view message)
+{
+    std::string const place = file == nullptr ? std::string() : placeText(file, line) + ": ";
+    return place + withIndentedLines(std::string(message));
+}
+
 void noteOrThrow(std::string const& failure)
 {
     if (!CTestRun::noteInCurrent(failure))
@@ -105,7 +111,7 @@ void failRequirement(char const* file, int line, char const* check)
 
 void failWithBytes(char const* file, int line, std::string_view message)
 {
-    noteAndThrow(placeText(file, line) + ": " + withIndentedLines(std::string(message)));
+    noteAndThrow(messageText(file, line, message));
 }
 
 void failWithText(char const* file, int line, zel::String const& message)
@@ -153,3 +159,13 @@ void logText(zel::String const& line)
 }
 
 } // namespace qix::detail
+
+namespace qix
+{
+
+void noteFailure(char const* file, int line, std::string_view message)
+{
+    detail::noteOrThrow(detail::messageText(file, line, message));
+}
+
+} // namespace qix

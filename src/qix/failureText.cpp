@@ -53,7 +53,7 @@ std::string currentExceptionText()
 std::string withIndentedLines(std::string const& text)
 {
     std::string indented;
-    for (char const character : text)
+    for (char const character : text.substr(0, text.find_last_not_of('\n') + 1))
     {
         indented += character;
         indented += character == '\n' ? "    " : "";

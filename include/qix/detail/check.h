@@ -4,6 +4,7 @@
 #include <qix/detail/narrowText.h>
 #include <qix/export.h>
 
+#include <cstdint>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -23,10 +24,22 @@ struct SValue
     void (*describe)(CValueWriter& out, void const* object);
 };
 
-template <typename T>
+/// \tparam withAddress  text is compared by its address, which tells why equal text differs
+template <typename T, bool withAddress = false>
 void describeValue(CValueWriter& out, void const* object)
 {
-    describe(out, *static_cast<T const*>(object));
+    T const& value = *static_cast<T const*>(object);
+    if constexpr (withAddress)
+    {
+        char const* const text = value;
+        out.address(text);
+        if (text == nullptr)
+        {
+            return;
+        }
+        out.text(" ");
+    }
+    describe(out, value);
 }
 
 /// Keeps the values of the comparison that has failed for the message of its check.
@@ -87,6 +100,14 @@ template <typename L, typename R>
 constexpr bool haveDifferentSigns =
     isInteger<L>&& isInteger<R>&& std::is_signed_v<L> != std::is_signed_v<R>;
 
+template <typename T>
+constexpr bool isTextPointer =
+    std::is_pointer_v<T>&& std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, char>;
+
+/// Which way a comparison goes; NULL and 0 are no null pointers any more once they are operands.
+template <typename L, typename R>
+constexpr bool isPointerWithNumber = std::is_pointer_v<L>&& isInteger<R>;
+
 // Numbers are compared as the caller wrote them, whatever warnings are on.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wfloat-equal"
@@ -101,7 +122,15 @@ constexpr bool haveDifferentSigns =
         template <typename L, typename R>                                                          \
         static bool holds(L const& left, R const& right)                                           \
         {                                                                                          \
-            if constexpr (haveDifferentSigns<L, R>)                                                \
+            if constexpr (isPointerWithNumber<L, R>)                                               \
+            {                                                                                      \
+                return left op reinterpret_cast<L>(static_cast<std::intptr_t>(right));             \
+            }                                                                                      \
+            else if constexpr (isPointerWithNumber<R, L>)                                          \
+            {                                                                                      \
+                return reinterpret_cast<R>(static_cast<std::intptr_t>(left)) op right;             \
+            }                                                                                      \
+            else if constexpr (haveDifferentSigns<L, R>)                                           \
             {                                                                                      \
                 if constexpr (std::is_signed_v<L>)                                                 \
                 {                                                                                  \
@@ -182,8 +211,10 @@ COutcome compare(L const& left, R const& right)
     bool const holds = Comparison::holds(left, right);
     if (!holds)
     {
-        keepValues({std::addressof(left), &describeValue<L>}, Comparison::text,
-                   {std::addressof(right), &describeValue<R>});
+        constexpr bool arePointers =
+            isTextPointer<std::decay_t<L const>> && isTextPointer<std::decay_t<R const>>;
+        keepValues({std::addressof(left), &describeValue<L, arePointers>}, Comparison::text,
+                   {std::addressof(right), &describeValue<R, arePointers>});
     }
     return COutcome(holds);
 }
@@ -266,3 +297,16 @@ struct SDecomposer
 };
 
 } // namespace qix::detail
+
+namespace qix
+{
+
+/// Notes a failure as a check does: the running test goes on and fails at its end. By it the
+/// failures of other libraries, mocks say, become those of tests. Safe to call from threads that
+/// the test has started. Throws CTestFailedException when no test is running.
+/// \param file     with \p line, the place that the failure is shown with; null when unknown
+/// \param line     see \p file
+/// \param message  what has failed, in bytes that are shown as they are
+QIX_EXPORT void noteFailure(char const* file, int line, std::string_view message);
+
+} // namespace qix

@@ -213,7 +213,7 @@ void describeObject(CValueWriter& out, T const& value)
     {
         out.bytes(value.getData(), static_cast<std::size_t>(value.getUsed()));
     }
-    else if constexpr (fulfils<T, StreamTrait>)
+    else if constexpr (fulfils<T, StreamTrait> && !std::is_array_v<T>)
     {
         out.streamed(&writeToStream<T>, std::addressof(value));
     }
