@@ -9,6 +9,7 @@
 #include <zel/P.h>
 #include <zel/String.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <string>
@@ -131,13 +132,23 @@ private:
         }
     }
 
+    /// At least doubles the room when it grows, since each factory may register the next one.
+    void makeRoomFor(std::size_t count)
+    {
+        std::size_t const needed = m_subItems.size() + count;
+        if (needed > m_subItems.capacity())
+        {
+            m_subItems.reserve(std::max(needed, 2 * m_subItems.capacity()));
+        }
+    }
+
     /// Makes one item after the other, and gives the factories back from the one that throws on.
     void createItems(std::vector<zel::P<ITestItemFactory>>& pending)
     {
         std::size_t next = 0;
         try
         {
-            m_subItems.reserve(m_subItems.size() + pending.size());
+            makeRoomFor(pending.size());
             for (; next < pending.size(); ++next)
             {
                 m_subItems.push_back(pending[next]->createTestItem());

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -158,6 +159,30 @@ TEST(CTestItemGroup, factoriesMayRegisterFactories)
         }));
     group.addFactory(makeFactory("b"));
     EXPECT_THAT(namesOf(subItemsOf(group)), ElementsAre("a", "b", "c"));
+}
+
+/// Registers the next one of its kind when it is called, as long as \p count lasts.
+P<CFunctionFactory> makeChain(COpenGroup& group, int count, std::set<std::size_t>& capacities)
+{
+    return zel::newObj<CFunctionFactory>(
+        [&group, count, &capacities]
+        {
+            capacities.insert(group.m_subItems.capacity());
+            if (count > 1)
+            {
+                group.addFactory(makeChain(group, count - 1, capacities));
+            }
+            return zel::newObj<CFunctionTestItem>("link");
+        });
+}
+
+TEST(CTestItemGroup, chainOfFactoriesMovesItsItemsRarely)
+{
+    COpenGroup group("");
+    std::set<std::size_t> capacities;
+    group.addFactory(makeChain(group, 1000, capacities));
+    EXPECT_EQ(subItemsOf(group).size(), 1000U);
+    EXPECT_LE(capacities.size(), 11U);
 }
 
 TEST(CTestItemGroup, throwingFactoryStaysInFrontAndIsCalledAgain)
