@@ -6,6 +6,7 @@
 
 #include "CForkInTest.h"
 #include "indent.h"
+#include "messageOf.h"
 #include "nullItem.h"
 
 #include <optional>
@@ -185,7 +186,7 @@ bool CConsoleTestRunner::isRefused(ITestItem::Duration duration, bool isInteract
 
 void CConsoleTestRunner::endSubTest_Failed(std::exception const& e)
 {
-    std::string const message = e.what();
+    std::string const message = messageOf(e);
     std::string const breadcrumbs = getTestBreadcrumbs();
     std::printf("\n\nTEST FAILED: %s\n%s\n", breadcrumbs.c_str(), message.c_str());
     std::fflush(stdout);

@@ -1,5 +1,7 @@
 #include "failureText.h"
 
+#include "messageOf.h"
+
 #include <cstdlib>
 #include <exception>
 #include <memory>
@@ -42,7 +44,7 @@ std::string currentExceptionText()
     }
     catch (std::exception const& e)
     {
-        return type + ": " + withIndentedLines(e.what());
+        return type + ": " + withIndentedLines(messageOf(e));
     }
     catch (...)
     {

@@ -2,6 +2,7 @@
 #include <qix/main.h>
 
 #include "CExitInTest.h"
+#include "messageOf.h"
 #include "standardDescriptors.h"
 #include "standardInput.h"
 
@@ -68,7 +69,7 @@ int runSelection(char** begin, char** end)
     }
     catch (std::exception const& e)
     {
-        printError("the test run was ended by an exception: ", e.what());
+        printError("the test run was ended by an exception: ", messageOf(e));
     }
     catch (...)
     {

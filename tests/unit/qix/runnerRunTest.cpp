@@ -456,6 +456,21 @@ TEST_F(RunnerRun, messagesAreNoFormats)
     EXPECT_THAT(output(), HasSubstr("- 100% sure\n  %s%n\n"));
 }
 
+class CSilentException : public std::exception
+{
+public:
+    char const* what() const noexcept override { return nullptr; }
+};
+
+TEST_F(RunnerRun, exceptionMayHaveNoMessage)
+{
+    add("silent", throwing(CSilentException()));
+    add("next");
+    EXPECT_FALSE(runAll());
+    EXPECT_THAT(output(), HasSubstr("TEST FAILED: silent\n(no message)\n"));
+    EXPECT_THAT(runner().getCounts(), ElementsAre(1, 1, 0, 0));
+}
+
 /// Notes the operations through which a run goes.
 class CWatchingRunner : public CConsoleTestRunner
 {

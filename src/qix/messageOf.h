@@ -1,0 +1,15 @@
+#pragma once
+
+#include <exception>
+
+namespace qix
+{
+
+/// The message of an exception. Some classes return null when they have none.
+inline char const* messageOf(std::exception const& e) noexcept
+{
+    char const* const message = e.what();
+    return message == nullptr ? "(no message)" : message;
+}
+
+} // namespace qix
