@@ -1,9 +1,8 @@
+#include "allocations.h"
 #include "bodyTest.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <new>
@@ -11,34 +10,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-namespace
-{
-
-std::atomic<long> allocations{0};
-
-} // namespace
-
-// Counting is all that these add to what the library's own do.
-void* operator new(std::size_t size)
-{
-    ++allocations;
-    if (void* const memory = std::malloc(size == 0 ? 1 : size))
-    {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace
 {
@@ -375,17 +346,20 @@ TEST(Checks, passingOnesAllocateNothing)
     EXPECT_EQ(run(
                   [&]
                   {
-                      long const before = allocations;
+                      long const before = test::countAllocations();
                       QIX_CHECK(numbers.size() == 3);
                       QIX_REQUIRE(text == same);
                       QIX_CHECK(text != "other");
                       QIX_CHECK(0.1 + 0.2 == qix::approx(0.3));
                       QIX_CHECK(!numbers.empty());
                       QIX_CHECK_NOTHROW(numbers.at(0));
-                      counted = allocations - before;
+                      counted = test::countAllocations() - before;
                   }),
               "ok");
     EXPECT_EQ(counted, 0);
+    long const before = test::countAllocations();
+    EXPECT_EQ(std::vector<int>(3).size(), 3u);
+    EXPECT_GT(test::countAllocations(), before) << "nothing is counted";
 }
 
 TEST(Approx, comparesWithinTheTolerance)
