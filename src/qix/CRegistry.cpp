@@ -16,7 +16,7 @@ namespace qix::detail
 namespace
 {
 
-ITestItem::Duration durationOf(SRegisteredTest const& test)
+ITestItem::Duration durationOf(RegisteredTest const& test)
 {
     return static_cast<ITestItem::Duration>(test.attributes.duration);
 }
@@ -25,7 +25,7 @@ ITestItem::Duration durationOf(SRegisteredTest const& test)
 class CFunctionTest : public CTestItem
 {
 public:
-    explicit CFunctionTest(SRegisteredTest const& test)
+    explicit CFunctionTest(RegisteredTest const& test)
         : CTestItem(test.name, durationOf(test), test.attributes.interactive), m_body(test.body)
     {
     }
@@ -41,7 +41,7 @@ private:
 class CBrokenTest : public CTestItem
 {
 public:
-    CBrokenTest(SRegisteredTest const& test, std::exception_ptr reason)
+    CBrokenTest(RegisteredTest const& test, std::exception_ptr reason)
         : CTestItem(test.name, durationOf(test), test.attributes.interactive),
           m_reason(std::move(reason))
     {
@@ -57,12 +57,12 @@ private:
 class CTestFactory : public zel::CBase, public virtual ITestItemFactory
 {
 public:
-    explicit CTestFactory(SRegisteredTest test) : m_test(std::move(test)) {}
+    explicit CTestFactory(RegisteredTest test) : m_test(std::move(test)) {}
 
     zel::P<ITestItem> createTestItem() override { return CRegistry::makeItem(m_test); }
 
 private:
-    SRegisteredTest m_test;
+    RegisteredTest m_test;
 };
 
 /// Stands for a group that exists already. Among the factories of its parent the group keeps its
@@ -115,14 +115,14 @@ bool CRegisteredGroup::containsAnyInteractive() const
 }
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
-                             void (*body)(), SAttributes attributes)
+                             void (*body)(), Attributes attributes)
 {
     CRegistry::get().add(
         {placeText(file, line), withoutBlanks(group), name, body, nullptr, attributes});
 }
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
-                             CTestItem* (*make)(), SAttributes attributes)
+                             CTestItem* (*make)(), Attributes attributes)
 {
     CRegistry::get().add(
         {placeText(file, line), withoutBlanks(group), name, nullptr, make, attributes});
@@ -139,7 +139,7 @@ CRegistry::CRegistry() : m_root(CTestItemGroup::global())
 {
 }
 
-void CRegistry::add(SRegisteredTest const& test)
+void CRegistry::add(RegisteredTest const& test)
 {
     if (!isAccepted(test))
     {
@@ -153,7 +153,7 @@ void CRegistry::add(SRegisteredTest const& test)
     }
 }
 
-bool CRegistry::isAccepted(SRegisteredTest const& test)
+bool CRegistry::isAccepted(RegisteredTest const& test)
 {
     if (!isGroupAccepted(test))
     {
@@ -173,7 +173,7 @@ bool CRegistry::isAccepted(SRegisteredTest const& test)
     return true;
 }
 
-bool CRegistry::isGroupAccepted(SRegisteredTest const& test)
+bool CRegistry::isGroupAccepted(RegisteredTest const& test)
 {
     // The header of a group is printed with its name as part of a format.
     if (test.group.find('%') != std::string::npos)
@@ -227,7 +227,7 @@ CTestItemGroup& CRegistry::groupAt(std::string const& path, std::string const& p
     return known == m_groups.end() ? *makeGroup(path, place).item : *known->second.item;
 }
 
-CRegistry::SGroup const& CRegistry::makeGroup(std::string const& path, std::string const& place)
+CRegistry::Group const& CRegistry::makeGroup(std::string const& path, std::string const& place)
 {
     auto const item = zel::newObj<CRegisteredGroup>(lastComponentOf(path));
     groupAt(parentOf(path), place).addFactory(zel::newObj<CGroupFactory>(item));
@@ -242,7 +242,7 @@ void CRegistry::markInteractive(std::string const& path)
     }
 }
 
-zel::P<ITestItem> CRegistry::makeItem(SRegisteredTest const& test)
+zel::P<ITestItem> CRegistry::makeItem(RegisteredTest const& test)
 {
     if (test.make == nullptr)
     {
@@ -258,7 +258,7 @@ zel::P<ITestItem> CRegistry::makeItem(SRegisteredTest const& test)
     }
 }
 
-zel::P<ITestItem> CRegistry::makeFixtureTest(SRegisteredTest const& test)
+zel::P<ITestItem> CRegistry::makeFixtureTest(RegisteredTest const& test)
 {
     zel::P<CTestItem> const item(test.make());
     item->m_name = test.name;

@@ -27,14 +27,14 @@ private:
 };
 
 /// What is told about a test where it is written.
-struct SRegisteredTest
+struct RegisteredTest
 {
     std::string place; ///< file:line
     std::string group; ///< the dotted path
     std::string name;
     void (*body)();       ///< null when make is set
     CTestItem* (*make)(); ///< null when body is set
-    SAttributes attributes;
+    Attributes attributes;
 };
 
 /// All tests of the process that are registered by macros. They are put below the root group.
@@ -46,11 +46,11 @@ class CRegistry
 public:
     static CRegistry& get();
 
-    void add(SRegisteredTest const& test);
+    void add(RegisteredTest const& test);
 
     /// The item that a registered test stands for. If its class cannot be constructed, it is a
     /// test that fails for that reason.
-    static zel::P<ITestItem> makeItem(SRegisteredTest const& test);
+    static zel::P<ITestItem> makeItem(RegisteredTest const& test);
 
     /// Throws the error that tells of all refusals.
     [[noreturn]] void throwRefusals() const;
@@ -58,23 +58,23 @@ public:
 private:
     CRegistry();
 
-    static zel::P<ITestItem> makeFixtureTest(SRegisteredTest const& test);
+    static zel::P<ITestItem> makeFixtureTest(RegisteredTest const& test);
 
-    struct SGroup
+    struct Group
     {
         zel::P<CRegisteredGroup> item;
         std::string place; ///< where the first test of the group is written
     };
 
-    bool isAccepted(SRegisteredTest const& test);
-    bool isGroupAccepted(SRegisteredTest const& test);
+    bool isAccepted(RegisteredTest const& test);
+    bool isGroupAccepted(RegisteredTest const& test);
     void refuse(std::string const& reason);
-    SGroup const& makeGroup(std::string const& path, std::string const& place);
+    Group const& makeGroup(std::string const& path, std::string const& place);
     CTestItemGroup& groupAt(std::string const& path, std::string const& place);
     void markInteractive(std::string const& path);
 
     zel::P<CTestItemGroup> m_root;
-    std::map<std::string, SGroup> m_groups;     ///< by path
+    std::map<std::string, Group> m_groups;      ///< by path
     std::map<std::string, std::string> m_tests; ///< their places, by path
     std::vector<std::string> m_refusals;
 };

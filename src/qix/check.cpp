@@ -19,7 +19,7 @@ namespace
 /// What the check that is failing on this thread has to tell beside its expression.
 thread_local std::string keptText;
 
-void writeValue(CValueWriter& out, SValue const& value)
+void writeValue(CValueWriter& out, ValueRef const& value)
 {
     try
     {
@@ -69,7 +69,7 @@ void noteOrThrow(std::string const& failure)
 
 } // namespace
 
-void keepValues(SValue const& left, char const* comparison, SValue const& right)
+void keepValues(ValueRef const& left, char const* comparison, ValueRef const& right)
 {
     CValueWriter out;
     out.text("with ");
@@ -81,7 +81,7 @@ void keepValues(SValue const& left, char const* comparison, SValue const& right)
     keptText = withIndentedLines(out.written());
 }
 
-void keepValue(SValue const& value)
+void keepValue(ValueRef const& value)
 {
     CValueWriter out;
     out.text("with ");

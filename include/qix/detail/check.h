@@ -18,7 +18,7 @@ namespace qix::detail
 {
 
 /// Something that can be described later, and which it does not own.
-struct SValue
+struct ValueRef
 {
     void const* object;
     void (*describe)(CValueWriter& out, void const* object);
@@ -43,10 +43,10 @@ void describeValue(CValueWriter& out, void const* object)
 }
 
 /// Keeps the values of the comparison that has failed for the message of its check.
-QIX_EXPORT void keepValues(SValue const& left, char const* comparison, SValue const& right);
+QIX_EXPORT void keepValues(ValueRef const& left, char const* comparison, ValueRef const& right);
 
 /// Keeps the value that is false for the message of its check.
-QIX_EXPORT void keepValue(SValue const& value);
+QIX_EXPORT void keepValue(ValueRef const& value);
 
 /// Notes that a check has failed, together with the values that were kept. Throws when no test is
 /// running.
@@ -148,12 +148,12 @@ constexpr bool isPointerWithNumber = std::is_pointer_v<L>&& isInteger<R>;
         }                                                                                          \
     }
 
-QIX_DETAIL_COMPARISON(SEqual, ==);
-QIX_DETAIL_COMPARISON(SNotEqual, !=);
-QIX_DETAIL_COMPARISON(SLess, <);
-QIX_DETAIL_COMPARISON(SLessOrEqual, <=);
-QIX_DETAIL_COMPARISON(SGreater, >);
-QIX_DETAIL_COMPARISON(SGreaterOrEqual, >=);
+QIX_DETAIL_COMPARISON(Equal, ==);
+QIX_DETAIL_COMPARISON(NotEqual, !=);
+QIX_DETAIL_COMPARISON(Less, <);
+QIX_DETAIL_COMPARISON(LessOrEqual, <=);
+QIX_DETAIL_COMPARISON(Greater, >);
+QIX_DETAIL_COMPARISON(GreaterOrEqual, >=);
 
 #undef QIX_DETAIL_COMPARISON
 #pragma GCC diagnostic pop
@@ -241,12 +241,12 @@ class TOperand
 public:
     explicit TOperand(T&& value) : m_value(static_cast<T&&>(value)) {}
 
-    QIX_DETAIL_COMPARE(==, SEqual)
-    QIX_DETAIL_COMPARE(!=, SNotEqual)
-    QIX_DETAIL_COMPARE(<, SLess)
-    QIX_DETAIL_COMPARE(<=, SLessOrEqual)
-    QIX_DETAIL_COMPARE(>, SGreater)
-    QIX_DETAIL_COMPARE(>=, SGreaterOrEqual)
+    QIX_DETAIL_COMPARE(==, Equal)
+    QIX_DETAIL_COMPARE(!=, NotEqual)
+    QIX_DETAIL_COMPARE(<, Less)
+    QIX_DETAIL_COMPARE(<=, LessOrEqual)
+    QIX_DETAIL_COMPARE(>, Greater)
+    QIX_DETAIL_COMPARE(>=, GreaterOrEqual)
 
     QIX_DETAIL_COMPUTE(<<)
     QIX_DETAIL_COMPUTE(>>)
@@ -281,8 +281,9 @@ COutcome operator,(TOperand<T> const&, R const&)
 }
 
 /// Begins to take an expression apart: it binds to the operand in front.
-struct SDecomposer
+class CDecomposer
 {
+public:
     template <typename T>
     TOperand<T const&> operator<<(T const& value) const
     {

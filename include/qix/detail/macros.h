@@ -7,9 +7,9 @@
 // Both operators bind less tightly than whatever may stand in front of a comparison, and TOperand
 // hands on what << takes too much. Each compiler warns of one of the two beside a comparison.
 #ifdef __clang__
-#define QIX_DETAIL_TAKE_APART(...) (::qix::detail::SDecomposer() <= __VA_ARGS__)
+#define QIX_DETAIL_TAKE_APART(...) (::qix::detail::CDecomposer() <= __VA_ARGS__)
 #else
-#define QIX_DETAIL_TAKE_APART(...) (::qix::detail::SDecomposer() << __VA_ARGS__)
+#define QIX_DETAIL_TAKE_APART(...) (::qix::detail::CDecomposer() << __VA_ARGS__)
 #endif
 
 #define QIX_DETAIL_CHECK(onFailure, text, ...)                                                     \

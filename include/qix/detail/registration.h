@@ -11,7 +11,7 @@ namespace attributes
 {
 
 /// See ITestItem::Duration.
-enum EDuration
+enum Duration
 {
     None = ITestItem::None,
     Short = ITestItem::Short,
@@ -21,7 +21,7 @@ enum EDuration
 };
 
 /// The test needs a human at the console.
-enum EInteractive
+enum Interactivity
 {
     Interactive
 };
@@ -32,21 +32,21 @@ namespace detail
 {
 
 /// The attributes of one test: one of each kind at most, in any order.
-struct SAttributes
+struct Attributes
 {
-    constexpr SAttributes() noexcept = default;
-    constexpr SAttributes(attributes::EDuration d) noexcept : duration(d) {}
-    constexpr SAttributes(attributes::EInteractive) noexcept : interactive(true) {}
-    constexpr SAttributes(attributes::EDuration d, attributes::EInteractive) noexcept
+    constexpr Attributes() noexcept = default;
+    constexpr Attributes(attributes::Duration d) noexcept : duration(d) {}
+    constexpr Attributes(attributes::Interactivity) noexcept : interactive(true) {}
+    constexpr Attributes(attributes::Duration d, attributes::Interactivity) noexcept
         : duration(d), interactive(true)
     {
     }
-    constexpr SAttributes(attributes::EInteractive, attributes::EDuration d) noexcept
+    constexpr Attributes(attributes::Interactivity, attributes::Duration d) noexcept
         : duration(d), interactive(true)
     {
     }
 
-    attributes::EDuration duration = attributes::Short;
+    attributes::Duration duration = attributes::Short;
     bool interactive = false;
 };
 
@@ -61,12 +61,12 @@ public:
     /// \param group       the dotted path of its group
     /// \param body        what the test does
     CRegistration(char const* file, int line, char const* group, char const* name, void (*body)(),
-                  SAttributes attributes);
+                  Attributes attributes);
 
     /// \param make  makes the test, whose name and attributes are set afterwards; the caller owns
     ///              the first reference
     CRegistration(char const* file, int line, char const* group, char const* name,
-                  CTestItem* (*make)(), SAttributes attributes);
+                  CTestItem* (*make)(), Attributes attributes);
 };
 
 template <typename T>
