@@ -9,14 +9,16 @@
 #include <qix/CConsoleTestRunner.h>
 #include <qix/CTestAbortedException.h>
 #include <qix/CTestFailedException.h>
-#include <qix/CTestItem.h>
 #include <qix/CTestFolder.h>
+#include <qix/CTestItem.h>
 #include <qix/CTestItemGroup.h>
 #include <qix/CTestSkippedException.h>
 #include <qix/ITestItem.h>
 #include <qix/ITestItemFactory.h>
 #include <qix/ITestRunner.h>
+#include <qix/approx.h>
 #include <qix/export.h>
 #include <qix/main.h>
 #include <qix/secret.h>
+#include <qix/test.h>
 #include <qix/util.h>
