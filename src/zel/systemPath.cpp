@@ -29,7 +29,7 @@ std::string toSystemPath(char const* operation, TPathImpl<CUnixPathTraits> const
     }
     if (bytes->find('\0') != std::string::npos)
     {
-        throwFileError(operation, text, "it holds a NUL character");
+        throwFileError(operation, text.BeforeFirst(L'\0'), "a NUL character follows in it");
     }
     return *std::move(bytes);
 }
