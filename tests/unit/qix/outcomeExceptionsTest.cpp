@@ -32,14 +32,15 @@ protected:
 };
 
 using OutcomeExceptions = testing::Types<CTestAbortedException, CTestSkippedException>;
-TYPED_TEST_SUITE(OutcomeException, OutcomeExceptions);
+TYPED_TEST_SUITE(OutcomeException, OutcomeExceptions, );
 
 TYPED_TEST(OutcomeException, cloneKeepsTheType)
 {
     TypeParam const exception = this->make();
     CError const& asError = exception;
     P<CError> const clone = asError.clone();
-    EXPECT_TRUE(typeid(*clone) == typeid(TypeParam));
+    zel::CError const& copy = *clone;
+    EXPECT_TRUE(typeid(copy) == typeid(TypeParam));
     EXPECT_EQ(clone->getRefCount(), 1);
     EXPECT_STREQ(clone->what(), exception.what());
 }

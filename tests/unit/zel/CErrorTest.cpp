@@ -94,7 +94,8 @@ TEST(CError, cloneIsOwnedByTheReturnedPointerAlone)
     ASSERT_NE(clone, nullptr);
     EXPECT_NE(clone.get(), &original);
     EXPECT_EQ(clone->getRefCount(), 1);
-    EXPECT_TRUE(typeid(*clone) == typeid(CError));
+    CError const& copy = *clone;
+    EXPECT_TRUE(typeid(copy) == typeid(CError));
     expectSameAsMade(*clone);
 }
 

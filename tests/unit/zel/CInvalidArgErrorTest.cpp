@@ -33,7 +33,8 @@ TEST(CInvalidArgError, cloneKeepsTheType)
     CInvalidArgError const error("f", "x", CProps());
     CError const& asError = error;
     zel::P<CError> const clone = asError.clone();
-    EXPECT_TRUE(typeid(*clone) == typeid(CInvalidArgError));
+    CError const& copy = *clone;
+    EXPECT_TRUE(typeid(copy) == typeid(CInvalidArgError));
     EXPECT_EQ(clone->getRefCount(), 1);
     EXPECT_STREQ(clone->what(), error.what());
 }

@@ -45,7 +45,7 @@ protected:
 };
 
 using Bytes = testing::Types<char, unsigned char>;
-TYPED_TEST_SUITE(TBuffer, Bytes);
+TYPED_TEST_SUITE(TBuffer, Bytes, );
 
 TYPED_TEST(TBuffer, startsEmpty)
 {
