@@ -161,7 +161,7 @@ private:
     template <typename End>
     void endItem(ITestItem* item, std::size_t depth, End const& end);
     void printProgress(char character) const;
-    void warnAboutDuration(RunningRecord const& record) const;
+    void warnAboutDuration(ITestItem::Duration duration, std::time_t elapsed) const;
     void writeReport();
 
     bool applyArguments(int argc, char const** argv);

@@ -228,22 +228,23 @@ void CConsoleTestRunner::endSubTest_Success()
 
 void CConsoleTestRunner::finalizeSubTest(bool success)
 {
-    if (success && !m_running.back().interactive)
+    RunningRecord const& record = m_running.back();
+    std::time_t const elapsed = std::time(nullptr) - record.startTime;
+    if (success && !record.interactive)
     {
-        warnAboutDuration(m_running.back());
+        warnAboutDuration(record.duration, elapsed);
     }
     m_running.pop_back();
     outdent(m_indent);
 }
 
-void CConsoleTestRunner::warnAboutDuration(RunningRecord const& record) const
+void CConsoleTestRunner::warnAboutDuration(ITestItem::Duration duration, std::time_t elapsed) const
 {
-    auto const expected = expectedTimeOf(record.duration);
+    auto const expected = expectedTimeOf(duration);
     if (!expected)
     {
         return;
     }
-    std::time_t const elapsed = std::time(nullptr) - record.startTime;
     if (elapsed < expected->shortest)
     {
         std::printf("\n\nTOO QUICK: test %s was quicker than expected (only %d seconds).\n",
