@@ -10,7 +10,7 @@ namespace
 
 Item failToCreate()
 {
-    throw std::runtime_error("the factory is broken");
+    throw std::runtime_error("the factory\n\nof X is broken\n");
 }
 
 Item createNothing()

@@ -41,6 +41,7 @@ using test::CFunctionTestItem;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 constexpr int threwLogicError = 40;
 
@@ -386,6 +387,12 @@ TEST_F(RunMain, exceptionEndsInOneLine)
     EXPECT_THAT(output(), HasSubstr("basic_string::substr"));
     std::string const text = output();
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1);
+}
+
+TEST_F(RunMain, errorStandsBehindWhatWasPrintedBefore)
+{
+    EXPECT_EQ(runMain({"program", "0 12ab-x"}), 2);
+    EXPECT_THAT(output(), StartsWith("Num: 0\nError: "));
 }
 
 TEST_F(RunMain, showsTheMenuToAFileWithLines)

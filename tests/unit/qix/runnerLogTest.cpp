@@ -54,6 +54,24 @@ TEST_F(RunnerLog, emptyRunHasASummaryOnly)
     EXPECT_EQ(output(), "\n0 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
 }
 
+TEST_F(RunnerLog, reportIsFlushed)
+{
+    test::COutputCapture const inner;
+    runner().go();
+    EXPECT_EQ(inner.getFlushedText(), "\n0 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
+}
+
+TEST_F(RunnerLog, outputLeavesTheIndentationAsItWas)
+{
+    CFunctionTestItem& item = add("a");
+    item.log("line");
+    runner().openLog();
+    runner().logItemOutput(&item);
+    EXPECT_EQ(runner().m_indent, "");
+    runner().closeLog();
+    EXPECT_EQ(log(), "Output:\n  line\n");
+}
+
 TEST_F(RunnerLog, skippedGroupHasAResultLine)
 {
     add("item",

@@ -1,10 +1,16 @@
 #include "RunnerTest.h"
 
+#include "CChildProcess.h"
+
 #include <qix/CTestAbortedException.h>
 #include <qix/CTestSkippedException.h>
 
+#include <csignal>
 #include <stdexcept>
 #include <type_traits>
+
+#include <sys/ptrace.h>
+#include <sys/wait.h>
 
 namespace
 {
@@ -420,6 +426,30 @@ TEST_F(RunnerRun, progressIsPrintedAtOnce)
     EXPECT_EQ(inner.getFlushedText(), ".o\n\nTEST FAILED: d\nboom\n");
     runner().beginSubTest("e", ITestItem::Hours, false, false);
     EXPECT_EQ(inner.getFlushedText(), ".o\n\nTEST FAILED: d\nboom\no");
+}
+
+TEST_F(RunnerRun, failureStopsInADebuggerAfterItsReport)
+{
+    constexpr int cannotBeTraced = 98;
+    test::CChildProcess child(
+        [this]
+        {
+            if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == -1)
+            {
+                return cannotBeTraced;
+            }
+            runner().beginSubTest("a", ITestItem::Short, false, false);
+            runner().endSubTest_Failed(boom);
+            return 0;
+        });
+    int const status = child.wait();
+    if (WIFEXITED(status) && WEXITSTATUS(status) == cannotBeTraced)
+    {
+        GTEST_SKIP() << "tracing is not allowed here";
+    }
+    ASSERT_TRUE(WIFSTOPPED(status)) << "status " << status;
+    EXPECT_EQ(WSTOPSIG(status), SIGTRAP);
+    EXPECT_THAT(output(), HasSubstr("TEST FAILED: a\nboom\n"));
 }
 
 TEST_F(RunnerRun, itemsWithoutADurationShowNoProgress)
