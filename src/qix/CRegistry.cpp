@@ -57,7 +57,7 @@ private:
 class CTestFactory : public zel::CBase, public virtual ITestItemFactory
 {
 public:
-    explicit CTestFactory(RegisteredTest test) : m_test(std::move(test)) {}
+    explicit CTestFactory(RegisteredTest const& test) : m_test(test) {}
 
     zel::P<ITestItem> createTestItem() override { return CRegistry::makeItem(m_test); }
 
@@ -102,6 +102,11 @@ std::string parentOf(std::string const& path)
     return dot == std::string::npos ? std::string() : path.substr(0, dot);
 }
 
+std::string textOf(Place const& place)
+{
+    return placeText(place.file, place.line);
+}
+
 std::string lastComponentOf(std::string const& path)
 {
     return path.substr(path.rfind('.') + 1);
@@ -117,15 +122,13 @@ bool CRegisteredGroup::containsAnyInteractive() const
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              void (*body)(), Attributes attributes)
 {
-    CRegistry::get().add(
-        {placeText(file, line), withoutBlanks(group), name, body, nullptr, attributes});
+    CRegistry::get().add(withoutBlanks(group), {{file, line}, name, body, nullptr, attributes});
 }
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              CTestItem* (*make)(), Attributes attributes)
 {
-    CRegistry::get().add(
-        {placeText(file, line), withoutBlanks(group), name, nullptr, make, attributes});
+    CRegistry::get().add(withoutBlanks(group), {{file, line}, name, nullptr, make, attributes});
 }
 
 CRegistry& CRegistry::get()
@@ -139,58 +142,61 @@ CRegistry::CRegistry() : m_root(CTestItemGroup::global())
 {
 }
 
-void CRegistry::add(RegisteredTest const& test)
+void CRegistry::add(std::string const& group, RegisteredTest const& test)
 {
-    if (!isAccepted(test))
+    std::string const path = group + "." + test.name;
+    if (!isGroupAccepted(group, test.place) || !isTestAccepted(path, test.place))
     {
         return;
     }
-    m_tests[test.group + "." + test.name] = test.place;
-    groupAt(test.group, test.place).addFactory(zel::newObj<CTestFactory>(test));
+    groupAt(group, test.place).addFactory(zel::newObj<CTestFactory>(test));
     if (test.attributes.interactive)
     {
-        markInteractive(test.group);
+        markInteractive(group);
     }
 }
 
-bool CRegistry::isAccepted(RegisteredTest const& test)
+/// Keeps the path of a test that is accepted.
+bool CRegistry::isTestAccepted(std::string const& path, Place const& place)
 {
-    if (!isGroupAccepted(test))
-    {
-        return false;
-    }
-    std::string const path = test.group + "." + test.name;
-    if (auto const other = m_tests.find(path); other != m_tests.end())
-    {
-        refuse("two tests are named " + path + ", at " + other->second + " and " + test.place);
-        return false;
-    }
     if (auto const group = m_groups.find(path); group != m_groups.end())
     {
-        refuse(path + " is a group at " + group->second.place + " and a test at " + test.place);
+        refuse(path + " is a group at " + textOf(group->second.place) + " and a test at " +
+               textOf(place));
         return false;
     }
-    return true;
+    auto const [other, isNew] = m_tests.emplace(path, place);
+    if (!isNew)
+    {
+        refuse("two tests are named " + path + ", at " + textOf(other->second) + " and " +
+               textOf(place));
+    }
+    return isNew;
 }
 
-bool CRegistry::isGroupAccepted(RegisteredTest const& test)
+bool CRegistry::isGroupAccepted(std::string const& group, Place const& place)
 {
+    if (m_groups.find(group) != m_groups.end())
+    {
+        return true;
+    }
     // The header of a group is printed with its name as part of a format.
-    if (test.group.find('%') != std::string::npos)
+    if (group.find('%') != std::string::npos)
     {
-        refuse("the name of the group " + test.group + " contains a %, at " + test.place);
+        refuse("the name of the group " + group + " contains a %, at " + textOf(place));
         return false;
     }
-    if (hasEmptyComponent(test.group))
+    if (hasEmptyComponent(group))
     {
-        refuse("the name of a group is empty in \"" + test.group + "\", at " + test.place);
+        refuse("the name of a group is empty in \"" + group + "\", at " + textOf(place));
         return false;
     }
-    for (std::string path = test.group; !path.empty(); path = parentOf(path))
+    for (std::string path = group; !path.empty(); path = parentOf(path))
     {
         if (auto const other = m_tests.find(path); other != m_tests.end())
         {
-            refuse(path + " is a test at " + other->second + " and a group at " + test.place);
+            refuse(path + " is a test at " + textOf(other->second) + " and a group at " +
+                   textOf(place));
             return false;
         }
     }
@@ -217,7 +223,7 @@ void CRegistry::throwRefusals() const
 }
 
 /// The group of the path; all groups above it are made as well, when they are missing.
-CTestItemGroup& CRegistry::groupAt(std::string const& path, std::string const& place)
+CTestItemGroup& CRegistry::groupAt(std::string const& path, Place const& place)
 {
     if (path.empty())
     {
@@ -227,7 +233,7 @@ CTestItemGroup& CRegistry::groupAt(std::string const& path, std::string const& p
     return known == m_groups.end() ? *makeGroup(path, place).item : *known->second.item;
 }
 
-CRegistry::Group const& CRegistry::makeGroup(std::string const& path, std::string const& place)
+CRegistry::Group const& CRegistry::makeGroup(std::string const& path, Place const& place)
 {
     auto const item = zel::newObj<CRegisteredGroup>(lastComponentOf(path));
     groupAt(parentOf(path), place).addFactory(zel::newObj<CGroupFactory>(item));

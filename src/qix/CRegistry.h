@@ -26,12 +26,18 @@ private:
     bool m_containsInteractive = false;
 };
 
-/// What is told about a test where it is written.
+/// Where something is written. Its text is made when it is needed, which is seldom.
+struct Place
+{
+    char const* file;
+    int line;
+};
+
+/// What is told about a test where it is written. The texts belong to the macro's caller.
 struct RegisteredTest
 {
-    std::string place; ///< file:line
-    std::string group; ///< the dotted path
-    std::string name;
+    Place place;
+    char const* name;
     void (*body)();       ///< null when make is set
     CTestItem* (*make)(); ///< null when body is set
     Attributes attributes;
@@ -46,7 +52,8 @@ class CRegistry
 public:
     static CRegistry& get();
 
-    void add(RegisteredTest const& test);
+    /// \param group  the dotted path of the test's group
+    void add(std::string const& group, RegisteredTest const& test);
 
     /// The item that a registered test stands for. If its class cannot be constructed, it is a
     /// test that fails for that reason.
@@ -63,19 +70,19 @@ private:
     struct Group
     {
         zel::P<CRegisteredGroup> item;
-        std::string place; ///< where the first test of the group is written
+        Place place; ///< where the first test of the group is written
     };
 
-    bool isAccepted(RegisteredTest const& test);
-    bool isGroupAccepted(RegisteredTest const& test);
+    bool isTestAccepted(std::string const& path, Place const& place);
+    bool isGroupAccepted(std::string const& group, Place const& place);
     void refuse(std::string const& reason);
-    Group const& makeGroup(std::string const& path, std::string const& place);
-    CTestItemGroup& groupAt(std::string const& path, std::string const& place);
+    Group const& makeGroup(std::string const& path, Place const& place);
+    CTestItemGroup& groupAt(std::string const& path, Place const& place);
     void markInteractive(std::string const& path);
 
     zel::P<CTestItemGroup> m_root;
-    std::map<std::string, Group> m_groups;      ///< by path
-    std::map<std::string, std::string> m_tests; ///< their places, by path
+    std::map<std::string, Group> m_groups; ///< by path
+    std::map<std::string, Place> m_tests;  ///< their places, by path
     std::vector<std::string> m_refusals;
 };
 

@@ -52,8 +52,8 @@ struct Attributes
 
 /// Registers one test while the module that contains it is loaded.
 ///
-/// The item is made when its group is first asked for its children. A module that has registered
-/// tests must not be unloaded.
+/// The item is made when its group is first asked for its children. The texts are not copied, so
+/// that a module that has registered tests must not be unloaded.
 class QIX_EXPORT CRegistration
 {
 public:
