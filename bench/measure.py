@@ -260,7 +260,7 @@ def measure_memory(bench):
         rows.append([f"{tests:,}", *found.stderr.split()])
     write("memory.md", "Memory of a test",
           "Bytes on the heap for each test that is registered as by `QIX_TEST`. Its object is made "
-          "when it is needed, and its registration is dropped then.\n\n"
+          "when it is needed; the registration stays, for those of plug-ins are compared with it.\n\n"
           + table(["Tests", "registered", "after the run"], rows))
 
 

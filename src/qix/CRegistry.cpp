@@ -4,11 +4,17 @@
 #include <zel/CError.h>
 
 #include "decodedText.h"
-#include "failureText.h"
+#include "refusals.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <functional>
+#include <memory_resource>
+#include <mutex>
 #include <utility>
+#include <vector>
 
 namespace qix::detail
 {
@@ -21,6 +27,12 @@ ITestItem::Duration durationOf(RegisteredTest const& test)
     return static_cast<ITestItem::Duration>(test.attributes.duration);
 }
 
+/// Where the tests of functions lie, side by side, which is quicker than a piece of the heap for
+/// each. They live as long as the process, and this longer: it is made while the library is loaded,
+/// before any group can be. Different groups may belong to different threads.
+std::mutex testMemoryMutex;
+std::pmr::monotonic_buffer_resource testMemory;
+
 /// A test whose body is a function.
 class CFunctionTest : public CTestItem
 {
@@ -29,6 +41,14 @@ public:
         : CTestItem(test.name, durationOf(test), test.attributes.interactive), m_body(test.body)
     {
     }
+
+    static void* operator new(std::size_t size)
+    {
+        std::lock_guard<std::mutex> const lock(testMemoryMutex);
+        return testMemory.allocate(size);
+    }
+
+    static void operator delete(void* /*test*/) noexcept {}
 
 protected:
     void body() override { m_body(); }
@@ -54,81 +74,83 @@ private:
     std::exception_ptr m_reason;
 };
 
-class CTestFactory : public zel::CBase, public virtual ITestItemFactory
-{
-public:
-    explicit CTestFactory(RegisteredTest const& test) : m_test(test) {}
-
-    zel::P<ITestItem> createTestItem() override { return CRegistry::makeItem(m_test); }
-
-private:
-    RegisteredTest m_test;
-};
-
-/// Stands for a group that exists already. Among the factories of its parent the group keeps its
-/// place, where an item would be put in front of all tests that are still to be made.
+/// Stands for a group that exists already. Among the factories of the root the group keeps its
+/// place, where an item would be put in front of all items that are still to be made.
 class CGroupFactory : public zel::CBase, public virtual ITestItemFactory
 {
 public:
     explicit CGroupFactory(zel::P<CRegisteredGroup> const& group) : m_group(group) {}
 
-    zel::P<ITestItem> createTestItem() override { return m_group; }
+    zel::P<ITestItem> createTestItem() override
+    {
+        CRegistry::get().throwRefusals();
+        return m_group;
+    }
 
 private:
     zel::P<CRegisteredGroup> m_group;
 };
 
-class CRefusingFactory : public zel::CBase, public virtual ITestItemFactory
+/// Tells whether all children of groups differ: by hashes, so that it may say no by mistake, which
+/// is seldom, but never yes. Small, for it is the cache misses that take time.
+class CDifferentChildren
 {
 public:
-    zel::P<ITestItem> createTestItem() override { CRegistry::get().throwRefusals(); }
+    /// \param count  how many children there are
+    explicit CDifferentChildren(std::size_t count)
+    {
+        std::size_t size = 1;
+        while (size < 2 * count)
+        {
+            size *= 2;
+        }
+        m_slots.resize(size);
+    }
+
+    /// False when there seems to be such a child already.
+    bool add(CRegisteredGroup const* parent, std::string_view name)
+    {
+        std::uint64_t const hash = hashOf(parent, name);
+        std::uint32_t const mark = static_cast<std::uint32_t>(hash >> 32U) | 1U;
+        std::size_t const last = m_slots.size() - 1;
+        std::size_t slot = hash & last;
+        while (m_slots[slot] != 0 && m_slots[slot] != mark)
+        {
+            slot = (slot + 1) & last;
+        }
+        return std::exchange(m_slots[slot], mark) != mark;
+    }
+
+private:
+    static std::uint64_t hashOf(CRegisteredGroup const* parent, std::string_view name)
+    {
+        constexpr std::uint64_t mixing = 0x9E3779B97F4A7C15U;
+        return (std::hash<std::string_view>()(name) + std::hash<void const*>()(parent)) * mixing;
+    }
+
+    std::vector<std::uint32_t> m_slots; ///< marks, each behind the place that its hash tells
 };
 
 /// The path as it is meant: "a . b" is what a macro makes of blanks between the components.
-std::string withoutBlanks(std::string path)
+std::string withoutBlanks(std::string_view text)
 {
+    std::string path(text);
     path.erase(std::remove(path.begin(), path.end(), ' '), path.end());
     return path;
 }
 
-bool hasEmptyComponent(std::string const& path)
-{
-    return ("." + path + ".").find("..") != std::string::npos;
-}
-
-std::string parentOf(std::string const& path)
-{
-    std::size_t const dot = path.rfind('.');
-    return dot == std::string::npos ? std::string() : path.substr(0, dot);
-}
-
-std::string textOf(Place const& place)
-{
-    return placeText(place.file, place.line);
-}
-
-std::string lastComponentOf(std::string const& path)
-{
-    return path.substr(path.rfind('.') + 1);
-}
-
 } // namespace
-
-bool CRegisteredGroup::containsAnyInteractive() const
-{
-    return m_containsInteractive || CTestItemGroup::containsAnyInteractive();
-}
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              void (*body)(), Attributes attributes)
 {
-    CRegistry::get().add(withoutBlanks(group), {{file, line}, name, body, nullptr, attributes});
+    CRegistry::get().add(group, {{file, line}, name, body, nullptr, attributes});
 }
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              CTestItem* (*make)(), Attributes attributes)
 {
-    CRegistry::get().add(withoutBlanks(group), {{file, line}, name, nullptr, make, attributes});
+    CRegistry::get().add(group, {{file, line}, name, nullptr, make, attributes});
 }
 
 CRegistry& CRegistry::get()
@@ -142,110 +164,82 @@ CRegistry::CRegistry() : m_root(CTestItemGroup::global())
 {
 }
 
-void CRegistry::add(std::string const& group, RegisteredTest const& test)
+void CRegistry::add(std::string_view group, RegisteredTest const& test)
 {
-    std::string const path = group + "." + test.name;
-    if (!isGroupAccepted(group, test.place) || !isTestAccepted(path, test.place))
+    CRegisteredGroup& itsGroup = groupOf(group);
+    RegisteredTest& kept = m_tests.emplace_back(test);
+    kept.group = &itsGroup;
+    itsGroup.addTest(kept);
+}
+
+void CRegistry::throwRefusals()
+{
+    if (m_acceptedCount == m_tests.size())
     {
         return;
     }
-    groupAt(group, test.place).addFactory(zel::newObj<CTestFactory>(test));
-    if (test.attributes.interactive)
+    if (mayBeRefused())
     {
-        markInteractive(group);
-    }
-}
-
-/// Keeps the path of a test that is accepted.
-bool CRegistry::isTestAccepted(std::string const& path, Place const& place)
-{
-    if (auto const group = m_groups.find(path); group != m_groups.end())
-    {
-        refuse(path + " is a group at " + textOf(group->second.place) + " and a test at " +
-               textOf(place));
-        return false;
-    }
-    auto const [other, isNew] = m_tests.emplace(path, place);
-    if (!isNew)
-    {
-        refuse("two tests are named " + path + ", at " + textOf(other->second) + " and " +
-               textOf(place));
-    }
-    return isNew;
-}
-
-bool CRegistry::isGroupAccepted(std::string const& group, Place const& place)
-{
-    if (m_groups.find(group) != m_groups.end())
-    {
-        return true;
-    }
-    // The header of a group is printed with its name as part of a format.
-    if (group.find('%') != std::string::npos)
-    {
-        refuse("the name of the group " + group + " contains a %, at " + textOf(place));
-        return false;
-    }
-    if (hasEmptyComponent(group))
-    {
-        refuse("the name of a group is empty in \"" + group + "\", at " + textOf(place));
-        return false;
-    }
-    for (std::string path = group; !path.empty(); path = parentOf(path))
-    {
-        if (auto const other = m_tests.find(path); other != m_tests.end())
+        std::vector<std::string> const refusals = listRefusals(m_tests);
+        std::string text;
+        for (std::string const& refusal : refusals)
         {
-            refuse(path + " is a test at " + textOf(other->second) + " and a group at " +
-                   textOf(place));
-            return false;
+            text += (text.empty() ? "tests are refused: " : "; ") + refusal;
+        }
+        if (!text.empty())
+        {
+            throw zel::CError(decodedText(text));
         }
     }
-    return true;
+    m_acceptedCount = m_tests.size();
 }
 
-void CRegistry::refuse(std::string const& reason)
+/// Quick, and seldom wrong: compares hashes where all names would be.
+bool CRegistry::mayBeRefused() const
 {
-    if (m_refusals.empty())
+    CDifferentChildren children(m_tests.size() + m_groups.size());
+    for (auto const& [path, group] : m_groups)
     {
-        m_root->addFactory(zel::newObj<CRefusingFactory>());
+        if (isGroupNameRefused(path) || !children.add(group->getParent(), group->getName()))
+        {
+            return true;
+        }
     }
-    m_refusals.push_back(reason);
+    return !std::all_of(m_tests.begin(), m_tests.end(),
+                        [&children](RegisteredTest const& test)
+                        { return children.add(test.group, test.name); });
 }
 
-void CRegistry::throwRefusals() const
+CRegisteredGroup& CRegistry::groupOf(std::string_view text)
 {
-    std::string text = "tests are refused: ";
-    for (std::string const& reason : m_refusals)
+    if (m_lastGroup == nullptr || text != m_lastText)
     {
-        text += (&reason == &m_refusals.front() ? "" : "; ") + reason;
+        m_lastGroup = &groupAt(withoutBlanks(text));
+        m_lastText = text;
     }
-    throw zel::CError(decodedText(text));
+    return *m_lastGroup;
 }
 
 /// The group of the path; all groups above it are made as well, when they are missing.
-CTestItemGroup& CRegistry::groupAt(std::string const& path, Place const& place)
+CRegisteredGroup& CRegistry::groupAt(std::string const& path)
 {
-    if (path.empty())
-    {
-        return *m_root;
-    }
     auto const known = m_groups.find(path);
-    return known == m_groups.end() ? *makeGroup(path, place).item : *known->second.item;
+    return known == m_groups.end() ? *(m_groups[path] = makeGroup(path)) : *known->second;
 }
 
-CRegistry::Group const& CRegistry::makeGroup(std::string const& path, Place const& place)
+zel::P<CRegisteredGroup> CRegistry::makeGroup(std::string const& path)
 {
-    auto const item = zel::newObj<CRegisteredGroup>(lastComponentOf(path));
-    groupAt(parentOf(path), place).addFactory(zel::newObj<CGroupFactory>(item));
-    return m_groups[path] = {item, place};
-}
-
-void CRegistry::markInteractive(std::string const& path)
-{
-    for (std::string group = path; !group.empty(); group = parentOf(group))
+    std::size_t const dot = path.rfind('.');
+    if (dot == std::string::npos)
     {
-        m_groups[group].item->setContainsInteractive();
+        auto const group = zel::newObj<CRegisteredGroup>(nullptr, path);
+        m_root->addFactory(zel::newObj<CGroupFactory>(group));
+        return group;
     }
+    CRegisteredGroup& parent = groupAt(path.substr(0, dot));
+    auto const group = zel::newObj<CRegisteredGroup>(&parent, path);
+    parent.addGroup(group);
+    return group;
 }
 
 zel::P<ITestItem> CRegistry::makeItem(RegisteredTest const& test)
