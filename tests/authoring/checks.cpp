@@ -1,6 +1,9 @@
 #include "allocations.h"
 #include "bodyTest.h"
 
+#include <zel/CError.h>
+#include <zel/String.h>
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -244,6 +247,8 @@ TEST(Checks, failEndsTheTestWithItsMessage)
 {
     EXPECT_EQ(withoutPlaces(run([] { QIX_FAIL("not yet"); })), "not yet");
     EXPECT_EQ(withoutPlaces(run([] { QIX_FAIL(std::string("line\nline")); })), "line\n    line");
+    EXPECT_EQ(withoutPlaces(run([] { QIX_FAIL(zel::String(L"\u00fcber")); })), "\xc3\xbc"
+                                                                               "ber");
 }
 
 TEST(Checks, workInFunctionsThatATestCalls)
@@ -398,6 +403,29 @@ TEST(Approx, isShownWithItsTolerance)
               "with 1.5 == approx(1, relative 1e-06)");
     EXPECT_EQ(valuesOf([] { QIX_CHECK(1.5 == qix::approx(1).absolute(0.25)); }),
               "with 1.5 == approx(1, absolute 0.25)");
+}
+
+template <typename Work>
+std::string messageOf(Work const& work)
+{
+    try
+    {
+        work();
+    }
+    catch (zel::CError const& e)
+    {
+        return withoutPlaces(e.what());
+    }
+    return "nothing was thrown";
+}
+
+TEST(Checks, outsideATestNothingIsLost)
+{
+    EXPECT_EQ(messageOf([] { qix::log("line"); }), "log() was called while no test is running");
+    EXPECT_EQ(messageOf([] { qix::subTest("part", [] {}); }),
+              "subTest() was called where no test runs on this thread");
+    EXPECT_EQ(messageOf([] { qix::noteFailure("file", 7, "bad"); }),
+              "file:7: bad\n    outside of any running test");
 }
 
 } // namespace

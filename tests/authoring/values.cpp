@@ -107,6 +107,7 @@ TEST(Values, characters)
 TEST(Values, text)
 {
     EXPECT_EQ(shown(std::string("a \"b\"\t\\")), "\"a \\\"b\\\"\\t\\\\\"");
+    EXPECT_EQ(shown(std::string("one\r\n")), "\"one\\r\\n\"");
     EXPECT_EQ(shown(std::string("nul\0inside", 10)), "\"nul\\x00inside\"");
     EXPECT_EQ(shown(std::string_view("view")), "\"view\"");
     EXPECT_EQ(shown("literal"), "\"literal\"");

@@ -1,4 +1,5 @@
 #include <qix/CTestAbortedException.h>
+#include <qix/CTestFailedException.h>
 #include <qix/CTestSkippedException.h>
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@ namespace
 {
 
 using qix::CTestAbortedException;
+using qix::CTestFailedException;
 using qix::CTestSkippedException;
 using zel::CError;
 using zel::P;
@@ -31,7 +33,8 @@ protected:
     }
 };
 
-using OutcomeExceptions = testing::Types<CTestAbortedException, CTestSkippedException>;
+using OutcomeExceptions =
+    testing::Types<CTestAbortedException, CTestFailedException, CTestSkippedException>;
 TYPED_TEST_SUITE(OutcomeException, OutcomeExceptions, );
 
 TYPED_TEST(OutcomeException, cloneKeepsTheType)

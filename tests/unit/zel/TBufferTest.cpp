@@ -129,6 +129,15 @@ TYPED_TEST(TBuffer, senselessGrowFactorsAreIgnored)
     }
 }
 
+TYPED_TEST(TBuffer, impossibleAlignmentLeavesTheOldOne)
+{
+    auto buffer = this->bufferOf("abc");
+    EXPECT_THROW(buffer.setAllocAlignBytes(INT_MAX), std::bad_alloc);
+    EXPECT_EQ(this->textOf(buffer), "abc");
+    buffer.ensureAllocated(100);
+    EXPECT_EQ(this->textOf(buffer), "abc");
+}
+
 TYPED_TEST(TBuffer, alignmentMovesTheElements)
 {
     for (int const alignment : {2, 16, 64, 4096})
