@@ -10,7 +10,7 @@ namespace
 
 Item failToCreate()
 {
-    throw std::runtime_error("the factory\n\nof X is broken\n");
+    throw std::runtime_error("the factory X\n\nof X is broken\n");
 }
 
 Item createNothing()

@@ -175,6 +175,7 @@ TEST(Checks, operandsOfAllKinds)
     EXPECT_EQ(valuesOf([] { QIX_CHECK(std::unique_ptr<int>()); }), "with nullptr");
     char const* const nothing = nullptr;
     EXPECT_EQ(valuesOf([&] { QIX_CHECK(nothing != nullptr); }), "with nullptr != nullptr");
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(nothing != nothing); }), "with nullptr != nullptr");
     EXPECT_EQ(run([&] { QIX_CHECK(nothing == NULL); }), "ok");
     EXPECT_EQ(run([&] { QIX_CHECK(nothing == 0); }), "ok");
     char const text[] = "text";
@@ -247,6 +248,7 @@ TEST(Checks, failEndsTheTestWithItsMessage)
 {
     EXPECT_EQ(withoutPlaces(run([] { QIX_FAIL("not yet"); })), "not yet");
     EXPECT_EQ(withoutPlaces(run([] { QIX_FAIL(std::string("line\nline")); })), "line\n    line");
+    EXPECT_EQ(withoutPlaces(run([] { QIX_FAIL("line\nXX\n\n"); })), "line\n    XX");
     EXPECT_EQ(withoutPlaces(run([] { QIX_FAIL(zel::String(L"\u00fcber")); })), "\xc3\xbc"
                                                                                "ber");
 }

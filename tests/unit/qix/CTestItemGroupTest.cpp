@@ -320,6 +320,16 @@ TEST(CTestItemGroup, logRecordsAndEchoesEachLine)
     EXPECT_THAT(group.getLog(), ElementsAre(zel::String("one"), zel::String(L"f\u00fcr")));
 }
 
+TEST(CTestItemGroup, hooksDoNothing)
+{
+    CTestItemGroup group("a");
+    group.log("line");
+    group.setUp();
+    group.tearDown();
+    group.clean();
+    EXPECT_EQ(group.getLog().size(), 1U);
+}
+
 TEST(CTestItemGroup, rootGroupIsOneWithoutAName)
 {
     EXPECT_EQ(CTestItemGroup::global()->getName(), "");

@@ -389,6 +389,12 @@ TEST_F(RunMain, exceptionEndsInOneLine)
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1);
 }
 
+TEST_F(RunMain, helpNeedsNoNameOfTheProgram)
+{
+    EXPECT_EQ(runMain({}), 2);
+    EXPECT_THAT(output(), HasSubstr("  test '*'"));
+}
+
 TEST_F(RunMain, errorStandsBehindWhatWasPrintedBefore)
 {
     EXPECT_EQ(runMain({"program", "0 12ab-x"}), 2);

@@ -462,6 +462,14 @@ TEST_F(RunnerRun, itemsWithoutADurationShowNoProgress)
     EXPECT_THAT(runner().getCounts(), ElementsAre(1, 0, 0, 1));
 }
 
+TEST_F(RunnerRun, indentationNeverFallsBelowNothing)
+{
+    runner().beginSubTest("a", ITestItem::Short, false, false);
+    runner().m_indent = " ";
+    runner().endSubTest_Success();
+    EXPECT_EQ(runner().m_indent, " ");
+}
+
 TEST_F(RunnerRun, breadcrumbsHaveNoLeadingDot)
 {
     for (char const* const name : {"", "a", "b"})

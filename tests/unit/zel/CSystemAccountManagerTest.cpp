@@ -38,6 +38,7 @@ std::string failToGetName()
 
 TEST(CSystemAccountManager, isOneObject)
 {
+    EXPECT_NE(CSystemAccountManager::get(), nullptr);
     EXPECT_EQ(CSystemAccountManager::get(), CSystemAccountManager::get());
     EXPECT_TRUE(CSystemAccountManager::globalInstanceGuard().isStarted());
 }

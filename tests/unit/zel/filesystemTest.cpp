@@ -154,7 +154,9 @@ TEST_F(filesystem, aFolderIsNotRemovedThroughDots)
     fs::create_directories("data/inner");
     for (char const* path : {".", "..", "data/.", "data/..", "data/inner/../"})
     {
-        EXPECT_THAT(errorOf([path] { unlinkFolder(path); }), HasSubstr("named by '.' or '..'"))
+        EXPECT_EQ(errorOf([path] { unlinkFolder(path); }), "Unable to remove the folder '" +
+                                                               std::string(path) +
+                                                               "': it is named by '.' or '..'.")
             << path;
     }
     EXPECT_TRUE(isThere("data/inner"));
@@ -195,6 +197,31 @@ TEST_F(filesystem, errorNamesWhatCannotBeRemoved)
             EXPECT_EQ(errorOf([] { unlinkFolder("data"); }),
                       "Unable to remove the folder 'data/foreign/file': Permission denied.");
             EXPECT_TRUE(isThere("data/foreign/file"));
+        }));
+}
+
+TEST_F(filesystem, aNameThatIsTooLongIsAnError)
+{
+    std::string const name(300, 'x');
+    EXPECT_EQ(errorOf([&name] { unlinkFolder(zel::String(name)); }),
+              "Unable to remove the folder '" + name + "': File name too long.");
+    EXPECT_EQ(errorOf([&name] { unlinkFolder(zel::String(name + "/data")); }),
+              "Unable to remove the folder '" + name + "/data': File name too long.");
+}
+
+TEST_F(filesystem, aLinkInAFolderOfAnotherUserStays)
+{
+    if (geteuid() != 0)
+    {
+        GTEST_SKIP() << "needs a folder of another user";
+    }
+    fs::create_directory("foreign");
+    fs::create_directory_symlink("nowhere", "foreign/link");
+    EXPECT_TRUE(test::passesAsOrdinaryUser(
+        []
+        {
+            EXPECT_EQ(errorOf([] { unlinkFolder("foreign/link"); }),
+                      "Unable to remove the folder 'foreign/link': Permission denied.");
         }));
 }
 
