@@ -107,6 +107,9 @@ TEST(Values, characters)
 TEST(Values, text)
 {
     EXPECT_EQ(shown(std::string("a \"b\"\t\\")), "\"a \\\"b\\\"\\t\\\\\"");
+    EXPECT_EQ(shown(std::string("\x7f")), "\"\\x7f\"");
+    EXPECT_EQ(shown(L'\x7e'), "'~'");
+    EXPECT_EQ(shown(L'\x80'), "U+0080");
     EXPECT_EQ(shown(std::string("one\r\n")), "\"one\\r\\n\"");
     EXPECT_EQ(shown(std::string("nul\0inside", 10)), "\"nul\\x00inside\"");
     EXPECT_EQ(shown(std::string_view("view")), "\"view\"");
@@ -207,6 +210,11 @@ TEST(Values, linesOfValuesAreIndented)
     std::string const lines = "a\nb";
     EXPECT_EQ(valuesOf([&] { QIX_CHECK(Streamable{1}.value == 2); }), "with 1 == 2");
     EXPECT_EQ(valuesOf([&] { QIX_CHECK(lines == "a"); }), "with \"a\\nb\" == \"a\"");
+}
+
+TEST(Values, approximationsTellTheirTolerances)
+{
+    EXPECT_EQ(shown(qix::approx(1).relative(0)), "approx(1, relative 0)");
 }
 
 } // namespace

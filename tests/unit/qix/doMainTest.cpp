@@ -355,10 +355,16 @@ protected:
                 }
                 argv.push_back(nullptr);
                 dup2(STDOUT_FILENO, STDERR_FILENO);
+                if (m_isOutputLost)
+                {
+                    dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
+                }
                 return qix::runMain(static_cast<int>(arguments.size()), argv.data());
             });
         return child.waitForExit();
     }
+
+    bool m_isOutputLost = false;
 
     void expectHelpInsteadOfMenu()
     {
@@ -393,6 +399,15 @@ TEST_F(RunMain, helpNeedsNoNameOfTheProgram)
 {
     EXPECT_EQ(runMain({}), 2);
     EXPECT_THAT(output(), HasSubstr("  test '*'"));
+}
+
+TEST_F(RunMain, failureCountsMoreThanLostOutput)
+{
+    m_failing = true;
+    m_isOutputLost = true;
+    EXPECT_EQ(runMain({"program", "*"}), 1);
+    m_failing = false;
+    EXPECT_EQ(runMain({"program", "*"}), 2);
 }
 
 TEST_F(RunMain, errorStandsBehindWhatWasPrintedBefore)

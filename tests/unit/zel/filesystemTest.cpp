@@ -217,6 +217,8 @@ TEST_F(filesystem, aLinkInAFolderOfAnotherUserStays)
     }
     fs::create_directory("foreign");
     fs::create_directory_symlink("nowhere", "foreign/link");
+    fs::permissions("foreign",
+                    fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
     EXPECT_TRUE(test::passesAsOrdinaryUser(
         []
         {
