@@ -421,6 +421,22 @@ std::string messageOf(Work const& work)
     return "nothing was thrown";
 }
 
+/// A test that cannot clean up before it begins, and throws what is no std::exception.
+class CThrowingClean : public qix::CTestItem
+{
+public:
+    CThrowingClean() : CTestItem("test") {}
+
+protected:
+    void clean() override { throw 42; }
+    void body() override { ADD_FAILURE() << "runs after all"; }
+};
+
+TEST(Checks, stepThatThrowsSomethingStrangeIsNamed)
+{
+    EXPECT_EQ(messageOf([] { CThrowingClean().run(nullptr); }), "clean threw int");
+}
+
 TEST(Checks, outsideATestNothingIsLost)
 {
     EXPECT_EQ(messageOf([] { qix::log("line"); }), "log() was called while no test is running");

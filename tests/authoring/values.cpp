@@ -1,5 +1,6 @@
 #include "bodyTest.h"
 
+#include <zel/CInvalidArgError.h>
 #include <zel/P.h>
 #include <zel/String.h>
 
@@ -51,6 +52,11 @@ struct Opaque
 struct Large
 {
     unsigned char bytes[40] = {};
+};
+
+struct JustShown
+{
+    unsigned char bytes[32] = {};
 };
 
 struct Streamable
@@ -194,6 +200,7 @@ TEST(Values, streamableTypes)
 TEST(Values, otherTypesAsBytes)
 {
     EXPECT_EQ(shown(Opaque{{1, 0xab, 0}}), "<3 bytes: 01 ab 00>");
+    EXPECT_EQ(shown(JustShown()).substr(shown(JustShown()).size() - 4), " 00>");
     EXPECT_EQ(shown(Large()).substr(0, 14), "<40 bytes: 00 ");
     EXPECT_EQ(shown(Large()).substr(shown(Large()).size() - 7), "00 ...>");
 }
@@ -215,6 +222,20 @@ TEST(Values, linesOfValuesAreIndented)
 TEST(Values, approximationsTellTheirTolerances)
 {
     EXPECT_EQ(shown(qix::approx(1).relative(0)), "approx(1, relative 0)");
+}
+
+TEST(Values, approximationsRefuseToleranceBelowZero)
+{
+    EXPECT_THROW(qix::approx(1).relative(-1), zel::CInvalidArgError);
+    try
+    {
+        qix::approx(1).absolute(-1);
+        FAIL() << "nothing was thrown";
+    }
+    catch (zel::CInvalidArgError const& e)
+    {
+        EXPECT_NE(std::string(e.what()).find("'CApprox::absolute'"), std::string::npos);
+    }
 }
 
 } // namespace

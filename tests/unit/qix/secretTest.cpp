@@ -284,6 +284,8 @@ TEST_F(secretTest, brokenLinesAreToldAndNotQuoted)
     expectValueAndWarning("[a]\nother=\"hunter2\" hunter2\nkey=v\n", "v",
                           "there is text behind a quoted value");
     expectValueAndWarning("[a]\nother=hunter2\\\nkey=v\n", "v", "a value ends in a backslash");
+    expectValueAndWarning("[a]\n!key=v\nkey=hunter2\n", "v",
+                          "line 3: a value for an immutable key is ignored");
     expectValueAndWarning("[a/../..]\nkey=v\n[a]\nkey=v\n", "v",
                           "'..' climbs above the outermost group");
 }
