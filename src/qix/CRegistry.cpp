@@ -232,12 +232,12 @@ zel::P<CRegisteredGroup> CRegistry::makeGroup(std::string const& path)
     std::size_t const dot = path.rfind('.');
     if (dot == std::string::npos)
     {
-        auto const group = zel::newObj<CRegisteredGroup>(nullptr, path);
+        auto group = zel::newObj<CRegisteredGroup>(nullptr, path);
         m_root->addFactory(zel::newObj<CGroupFactory>(group));
         return group;
     }
     CRegisteredGroup& parent = groupAt(path.substr(0, dot));
-    auto const group = zel::newObj<CRegisteredGroup>(&parent, path);
+    auto group = zel::newObj<CRegisteredGroup>(&parent, path);
     parent.addGroup(group);
     return group;
 }

@@ -37,7 +37,7 @@ std::string placeText(char const* file, int line)
 
 std::string currentExceptionText()
 {
-    std::string const type = nameOfCurrentExceptionType();
+    std::string type = nameOfCurrentExceptionType();
     try
     {
         throw;
