@@ -432,9 +432,20 @@ protected:
     void body() override { ADD_FAILURE() << "runs after all"; }
 };
 
+class CThrowingSetUp : public qix::CTestItem
+{
+public:
+    CThrowingSetUp() : CTestItem("test") {}
+
+protected:
+    void setUp() override { throw 42; }
+    void body() override { ADD_FAILURE() << "runs after all"; }
+};
+
 TEST(Checks, stepThatThrowsSomethingStrangeIsNamed)
 {
     EXPECT_EQ(messageOf([] { CThrowingClean().run(nullptr); }), "clean threw int");
+    EXPECT_EQ(messageOf([] { CThrowingSetUp().run(nullptr); }), "setUp threw int");
 }
 
 TEST(Checks, outsideATestNothingIsLost)

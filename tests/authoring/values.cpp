@@ -222,6 +222,8 @@ TEST(Values, linesOfValuesAreIndented)
 TEST(Values, approximationsTellTheirTolerances)
 {
     EXPECT_EQ(shown(qix::approx(1).relative(0)), "approx(1, relative 0)");
+    EXPECT_EQ(shown(qix::approx(1).relative(0.5).absolute(2)),
+              "approx(1, relative 0.5, absolute 2)");
 }
 
 TEST(Values, approximationsRefuseToleranceBelowZero)
