@@ -9,7 +9,7 @@
 #include "messageOf.h"
 #include "nullItem.h"
 
-#include <optional>
+#include <limits>
 
 namespace qix
 {
@@ -21,25 +21,26 @@ namespace
 struct ExpectedTime
 {
     std::time_t shortest;
-    std::optional<std::time_t> longest;
+    std::time_t longest;
 };
 
-std::optional<ExpectedTime> expectedTimeOf(ITestItem::Duration duration)
+ExpectedTime expectedTimeOf(ITestItem::Duration duration)
 {
+    using Limits = std::numeric_limits<std::time_t>;
     switch (duration)
     {
     case ITestItem::Short:
-        return ExpectedTime{0, 20};
+        return {0, 20};
     case ITestItem::Long:
-        return ExpectedTime{5, 180};
+        return {5, 180};
     case ITestItem::VeryLong:
-        return ExpectedTime{60, 10800};
+        return {60, 10800};
     case ITestItem::Hours:
-        return ExpectedTime{3600, std::nullopt};
+        return {3600, Limits::max()};
     case ITestItem::None:
         break;
     }
-    return std::nullopt;
+    return {Limits::min(), Limits::max()};
 }
 
 /// Item names are a part of the format: what a "%" in the name of a group does is a promise.
@@ -240,18 +241,14 @@ void CConsoleTestRunner::finalizeSubTest(bool success)
 
 void CConsoleTestRunner::warnAboutDuration(ITestItem::Duration duration, std::time_t elapsed) const
 {
-    auto const expected = expectedTimeOf(duration);
-    if (!expected)
-    {
-        return;
-    }
-    if (elapsed < expected->shortest)
+    ExpectedTime const expected = expectedTimeOf(duration);
+    if (elapsed < expected.shortest)
     {
         std::printf("\n\nTOO QUICK: test %s was quicker than expected (only %d seconds).\n",
                     getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));
         std::fflush(stdout);
     }
-    else if (expected->longest && elapsed > *expected->longest)
+    else if (elapsed > expected.longest)
     {
         std::printf("\n\nTOO SLOW: test %s was slower than expected (%d seconds).\n",
                     getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));

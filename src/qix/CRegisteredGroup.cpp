@@ -2,31 +2,31 @@
 
 #include "CRegistry.h"
 
-#include <utility>
+#include <variant>
 
 namespace qix::detail
 {
 
-CRegisteredGroup::CRegisteredGroup(CRegisteredGroup* parent, std::string const& path)
-    : CTestItemGroup(path.substr(path.rfind('.') + 1)), m_parent(parent), m_path(path)
+CRegisteredGroup::CRegisteredGroup(CRegisteredGroup* parent, std::string const& path,
+                                   Place const& place)
+    : CTestItemGroup(path.substr(path.rfind('.') + 1)),
+      m_parent(parent),
+      m_path(path),
+      m_place(place)
 {
-}
-
-void CRegisteredGroup::addTest(RegisteredTest const& test)
-{
-    m_pending.emplace_back(&test);
-    if (test.attributes.interactive)
-    {
-        for (CRegisteredGroup* group = this; group != nullptr; group = group->m_parent)
-        {
-            group->m_containsInteractive = true;
-        }
-    }
 }
 
 void CRegisteredGroup::addGroup(zel::P<CRegisteredGroup> const& group)
 {
-    m_pending.emplace_back(group);
+    m_registered.emplace_back(group);
+}
+
+void CRegisteredGroup::noteInteractiveTest() noexcept
+{
+    for (CRegisteredGroup* group = this; group != nullptr; group = group->m_parent)
+    {
+        group->m_containsInteractive = true;
+    }
 }
 
 bool CRegisteredGroup::containsAnyInteractive() const
@@ -46,38 +46,38 @@ void CRegisteredGroup::getSubItems(std::vector<zel::P<ITestItem>>& out)
     CTestItemGroup::getSubItems(out);
 }
 
-/// A child that cannot be made stays pending, and all behind it.
 void CRegisteredGroup::makePendingChildren()
 {
-    if (!m_pending.empty())
+    if (m_madeCount == m_registered.size())
     {
-        CRegistry::get().throwRefusals();
-        m_subItems.reserve(m_subItems.size() + m_pending.size());
+        return;
     }
-    while (!m_pending.empty())
+    CRegistry::get().throwRefusals();
+    if (m_subItems.empty())
     {
-        // Making a child may ask this group for its children again.
-        PendingChild child = std::move(m_pending.front());
-        m_pending.pop_front();
-        try
-        {
-            m_subItems.push_back(makeChild(child));
-        }
-        catch (...)
-        {
-            m_pending.push_front(std::move(child));
-            throw;
-        }
+        m_subItems.reserve(m_registered.size());
+    }
+    while (m_madeCount < m_registered.size())
+    {
+        makeNextChild();
     }
 }
 
-zel::P<ITestItem> CRegisteredGroup::makeChild(PendingChild const& child)
+/// A child that cannot be made stays pending.
+void CRegisteredGroup::makeNextChild()
 {
-    if (auto const* const group = std::get_if<zel::P<CRegisteredGroup>>(&child))
+    // Counted before, since making a child may ask this group for its children again.
+    std::size_t const number = m_madeCount++;
+    try
     {
-        return *group;
+        m_subItems.push_back(std::visit(
+            [](auto const& child) { return CRegistry::makeItem(child); }, m_registered[number]));
     }
-    return CRegistry::makeItem(*std::get<RegisteredTest const*>(child));
+    catch (...)
+    {
+        m_madeCount = number;
+        throw;
+    }
 }
 
 } // namespace qix::detail

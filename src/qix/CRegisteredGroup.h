@@ -4,6 +4,7 @@
 
 #include "RegisteredTest.h"
 
+#include <cstddef>
 #include <deque>
 #include <string>
 #include <variant>
@@ -18,16 +19,30 @@ namespace qix::detail
 class CRegisteredGroup : public CTestItemGroup
 {
 public:
+    using Child = std::variant<RegisteredFunction, RegisteredFixture, zel::P<CRegisteredGroup>>;
+
     /// \param parent  null when the group is a child of the root; outlives this group
-    CRegisteredGroup(CRegisteredGroup* parent, std::string const& path);
+    /// \param place   where the first test in the group, or below it, is written
+    CRegisteredGroup(CRegisteredGroup* parent, std::string const& path, Place const& place);
 
     /// The dotted path of the group, whose last component is its name.
     std::string const& getPath() const noexcept { return m_path; }
 
-    CRegisteredGroup const* getParent() const noexcept { return m_parent; }
+    Place getPlace() const noexcept { return m_place; }
 
-    /// \param test  outlives the pending children
-    void addTest(RegisteredTest const& test);
+    /// What has been registered, made or not, in that order.
+    std::deque<Child> const& getRegistered() const noexcept { return m_registered; }
+
+    template <typename Test>
+    void addTest(Test const& test)
+    {
+        m_registered.emplace_back(test);
+        if (test.attributes.interactive)
+        {
+            noteInteractiveTest();
+        }
+    }
+
     void addGroup(zel::P<CRegisteredGroup> const& group);
 
     /// Knows of the tests that are registered below it, made or not.
@@ -37,14 +52,15 @@ public:
     void getSubItems(std::vector<zel::P<ITestItem>>& out) override;
 
 private:
-    using PendingChild = std::variant<RegisteredTest const*, zel::P<CRegisteredGroup>>;
-
+    void noteInteractiveTest() noexcept;
     void makePendingChildren();
-    static zel::P<ITestItem> makeChild(PendingChild const& child);
+    void makeNextChild();
 
     CRegisteredGroup* m_parent;
     std::string m_path;
-    std::deque<PendingChild> m_pending;
+    Place m_place;
+    std::deque<Child> m_registered;
+    std::size_t m_madeCount = 0; ///< how many of the registered children are made
     bool m_containsInteractive = false;
 };
 

@@ -8,13 +8,12 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <exception>
-#include <functional>
 #include <memory_resource>
 #include <mutex>
 #include <utility>
-#include <vector>
+
+#include <cxxabi.h>
 
 namespace qix::detail
 {
@@ -37,7 +36,7 @@ std::pmr::monotonic_buffer_resource testMemory;
 class CFunctionTest : public CTestItem
 {
 public:
-    explicit CFunctionTest(RegisteredTest const& test)
+    explicit CFunctionTest(RegisteredFunction const& test)
         : CTestItem(test.name, durationOf(test), test.attributes.interactive), m_body(test.body)
     {
     }
@@ -61,7 +60,7 @@ private:
 class CBrokenTest : public CTestItem
 {
 public:
-    CBrokenTest(RegisteredTest const& test, std::exception_ptr reason)
+    CBrokenTest(RegisteredFixture const& test, std::exception_ptr reason)
         : CTestItem(test.name, durationOf(test), test.attributes.interactive),
           m_reason(std::move(reason))
     {
@@ -91,46 +90,6 @@ private:
     zel::P<CRegisteredGroup> m_group;
 };
 
-/// Tells whether all children of groups differ: by hashes, so that it may say no by mistake, which
-/// is seldom, but never yes. Small, for it is the cache misses that take time.
-class CDifferentChildren
-{
-public:
-    /// \param count  how many children there are
-    explicit CDifferentChildren(std::size_t count)
-    {
-        std::size_t size = 1;
-        while (size < 2 * count)
-        {
-            size *= 2;
-        }
-        m_slots.resize(size);
-    }
-
-    /// False when there seems to be such a child already.
-    bool add(CRegisteredGroup const* parent, std::string_view name)
-    {
-        std::uint64_t const hash = hashOf(parent, name);
-        std::uint32_t const mark = static_cast<std::uint32_t>(hash >> 32U) | 1U;
-        std::size_t const last = m_slots.size() - 1;
-        std::size_t slot = hash & last;
-        while (m_slots[slot] != 0 && m_slots[slot] != mark)
-        {
-            slot = (slot + 1) & last;
-        }
-        return std::exchange(m_slots[slot], mark) != mark;
-    }
-
-private:
-    static std::uint64_t hashOf(CRegisteredGroup const* parent, std::string_view name)
-    {
-        constexpr std::uint64_t mixing = 0x9E3779B97F4A7C15U;
-        return (std::hash<std::string_view>()(name) + std::hash<void const*>()(parent)) * mixing;
-    }
-
-    std::vector<std::uint32_t> m_slots; ///< marks, each behind the place that its hash tells
-};
-
 /// The path as it is meant: "a . b" is what a macro makes of blanks between the components.
 std::string withoutBlanks(std::string_view text)
 {
@@ -144,13 +103,13 @@ std::string withoutBlanks(std::string_view text)
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              void (*body)(), Attributes attributes)
 {
-    CRegistry::get().add(group, {{file, line}, name, body, nullptr, attributes});
+    CRegistry::get().add(group, RegisteredFunction{{file, name, line, attributes}, body});
 }
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              CTestItem* (*make)(), Attributes attributes)
 {
-    CRegistry::get().add(group, {{file, line}, name, nullptr, make, attributes});
+    CRegistry::get().add(group, RegisteredFixture{{file, name, line, attributes}, make});
 }
 
 CRegistry& CRegistry::get()
@@ -164,101 +123,93 @@ CRegistry::CRegistry() : m_root(CTestItemGroup::global())
 {
 }
 
-void CRegistry::add(std::string_view group, RegisteredTest const& test)
-{
-    CRegisteredGroup& itsGroup = groupOf(group);
-    RegisteredTest& kept = m_tests.emplace_back(test);
-    kept.group = &itsGroup;
-    itsGroup.addTest(kept);
-}
-
 void CRegistry::throwRefusals()
 {
-    if (m_acceptedCount == m_tests.size())
+    if (m_acceptedCount == m_testCount)
     {
         return;
     }
-    if (mayBeRefused())
+    std::string const refusals = listAllRefusals();
+    if (!refusals.empty())
     {
-        std::vector<std::string> const refusals = listRefusals(m_tests);
-        std::string text;
-        for (std::string const& refusal : refusals)
-        {
-            text += (text.empty() ? "tests are refused: " : "; ") + refusal;
-        }
-        if (!text.empty())
-        {
-            throw zel::CError(decodedText(text));
-        }
+        throw zel::CError(decodedText("tests are refused: " + refusals));
     }
-    m_acceptedCount = m_tests.size();
+    m_acceptedCount = m_testCount;
 }
 
-/// Quick, and seldom wrong: compares hashes where all names would be.
-bool CRegistry::mayBeRefused() const
+std::string CRegistry::listAllRefusals() const
 {
-    CDifferentChildren children(m_tests.size() + m_groups.size());
+    std::string list;
     for (auto const& [path, group] : m_groups)
     {
-        if (isGroupNameRefused(path) || !children.add(group->getParent(), group->getName()))
+        for (std::string const& refusal : listRefusals(*group))
         {
-            return true;
+            list += (list.empty() ? "" : "; ") + refusal;
         }
     }
-    return !std::all_of(m_tests.begin(), m_tests.end(),
-                        [&children](RegisteredTest const& test)
-                        { return children.add(test.group, test.name); });
+    return list;
 }
 
-CRegisteredGroup& CRegistry::groupOf(std::string_view text)
+CRegisteredGroup& CRegistry::groupOf(std::string_view text, Place const& place)
 {
     if (m_lastGroup == nullptr || text != m_lastText)
     {
-        m_lastGroup = &groupAt(withoutBlanks(text));
+        m_lastGroup = &groupAt(withoutBlanks(text), place);
         m_lastText = text;
     }
     return *m_lastGroup;
 }
 
 /// The group of the path; all groups above it are made as well, when they are missing.
-CRegisteredGroup& CRegistry::groupAt(std::string const& path)
+CRegisteredGroup& CRegistry::groupAt(std::string const& path, Place const& place)
 {
     auto const known = m_groups.find(path);
-    return known == m_groups.end() ? *(m_groups[path] = makeGroup(path)) : *known->second;
+    return known == m_groups.end() ? *(m_groups[path] = makeGroup(path, place)) : *known->second;
 }
 
-zel::P<CRegisteredGroup> CRegistry::makeGroup(std::string const& path)
+zel::P<CRegisteredGroup> CRegistry::makeGroup(std::string const& path, Place const& place)
 {
     std::size_t const dot = path.rfind('.');
     if (dot == std::string::npos)
     {
-        auto group = zel::newObj<CRegisteredGroup>(nullptr, path);
+        auto group = zel::newObj<CRegisteredGroup>(nullptr, path, place);
         m_root->addFactory(zel::newObj<CGroupFactory>(group));
         return group;
     }
-    CRegisteredGroup& parent = groupAt(path.substr(0, dot));
-    auto group = zel::newObj<CRegisteredGroup>(&parent, path);
+    CRegisteredGroup& parent = groupAt(path.substr(0, dot), place);
+    auto group = zel::newObj<CRegisteredGroup>(&parent, path, place);
     parent.addGroup(group);
     return group;
 }
 
-zel::P<ITestItem> CRegistry::makeItem(RegisteredTest const& test)
+zel::P<ITestItem> CRegistry::makeItem(RegisteredFunction const& test)
 {
-    if (test.make == nullptr)
-    {
-        return zel::newObj<CFunctionTest>(test);
-    }
+    return zel::newObj<CFunctionTest>(test);
+}
+
+zel::P<ITestItem> CRegistry::makeItem(RegisteredFixture const& test)
+{
     try
     {
-        return makeFixtureTest(test);
+        return constructTest(test);
     }
-    catch (std::exception const&)
+    catch (abi::__forced_unwind const&)
+    {
+        // The thread is being cancelled, which nobody may stop.
+        throw;
+    }
+    catch (...)
     {
         return zel::newObj<CBrokenTest>(test, std::current_exception());
     }
 }
 
-zel::P<ITestItem> CRegistry::makeFixtureTest(RegisteredTest const& test)
+zel::P<ITestItem> CRegistry::makeItem(zel::P<CRegisteredGroup> const& group)
+{
+    return group;
+}
+
+zel::P<ITestItem> CRegistry::constructTest(RegisteredFixture const& test)
 {
     zel::P<CTestItem> const item(test.make());
     item->m_name = test.name;

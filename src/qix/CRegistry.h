@@ -6,7 +6,6 @@
 #include "RegisteredTest.h"
 
 #include <cstddef>
-#include <deque>
 #include <map>
 #include <string>
 #include <string_view>
@@ -25,29 +24,37 @@ public:
     static CRegistry& get();
 
     /// \param group  the dotted path of the test's group; the text is kept
-    void add(std::string_view group, RegisteredTest const& test);
+    template <typename Test>
+    void add(std::string_view group, Test const& test)
+    {
+        groupOf(group, test.getPlace()).addTest(test);
+        ++m_testCount;
+    }
 
     /// Throws the error that tells of all refusals, if there are any.
     void throwRefusals();
 
-    /// The item that a registered test stands for. If its class cannot be constructed, it is a
-    /// test that fails for that reason.
-    static zel::P<ITestItem> makeItem(RegisteredTest const& test);
+    static zel::P<ITestItem> makeItem(RegisteredFunction const& test);
+
+    /// If the class cannot be constructed, the item is a test that fails for that reason.
+    static zel::P<ITestItem> makeItem(RegisteredFixture const& test);
+
+    static zel::P<ITestItem> makeItem(zel::P<CRegisteredGroup> const& group);
 
 private:
     CRegistry();
 
-    static zel::P<ITestItem> makeFixtureTest(RegisteredTest const& test);
+    static zel::P<ITestItem> constructTest(RegisteredFixture const& test);
 
-    bool mayBeRefused() const;
-    CRegisteredGroup& groupOf(std::string_view text);
-    CRegisteredGroup& groupAt(std::string const& path);
-    zel::P<CRegisteredGroup> makeGroup(std::string const& path);
+    std::string listAllRefusals() const;
+    CRegisteredGroup& groupOf(std::string_view text, Place const& place);
+    CRegisteredGroup& groupAt(std::string const& path, Place const& place);
+    zel::P<CRegisteredGroup> makeGroup(std::string const& path, Place const& place);
 
     zel::P<CTestItemGroup> m_root;
     std::map<std::string, zel::P<CRegisteredGroup>> m_groups; ///< by path
-    std::deque<RegisteredTest> m_tests;                       ///< in the order of registration
-    std::size_t m_acceptedCount = 0;                          ///< how many of them are checked
+    std::size_t m_testCount = 0;
+    std::size_t m_acceptedCount = 0; ///< how many tests there were when nothing was refused
 
     // Tests of one group stand together, mostly.
     std::string_view m_lastText;

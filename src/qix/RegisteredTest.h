@@ -5,8 +5,6 @@
 namespace qix::detail
 {
 
-class CRegisteredGroup;
-
 /// Where something is written. Its text is made when it is needed, which is seldom.
 struct Place
 {
@@ -17,12 +15,24 @@ struct Place
 /// What is told about a test where it is written. The texts belong to the macro's caller.
 struct RegisteredTest
 {
-    Place place;
+    Place getPlace() const noexcept { return {file, line}; }
+
+    char const* file;
     char const* name;
-    void (*body)();       ///< null when make is set
-    CTestItem* (*make)(); ///< null when body is set
+    int line;
     Attributes attributes;
-    CRegisteredGroup const* group = nullptr; ///< the registry's
+};
+
+/// A test whose body is a function.
+struct RegisteredFunction : RegisteredTest
+{
+    void (*body)();
+};
+
+/// A test whose class is to be constructed.
+struct RegisteredFixture : RegisteredTest
+{
+    CTestItem* (*make)();
 };
 
 } // namespace qix::detail

@@ -3,13 +3,21 @@
 #include "CRegisteredGroup.h"
 #include "failureText.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <map>
+#include <string_view>
+#include <variant>
 
 namespace qix::detail
 {
 
 namespace
 {
+
+using Child = CRegisteredGroup::Child;
 
 // The header of a group is printed with its name as part of a format.
 bool hasFormat(std::string const& path)
@@ -22,114 +30,131 @@ bool hasEmptyComponent(std::string const& path)
     return ("." + path + ".").find("..") != std::string::npos;
 }
 
-std::string parentOf(std::string const& path)
-{
-    std::size_t const dot = path.rfind('.');
-    return dot == std::string::npos ? std::string() : path.substr(0, dot);
-}
-
 std::string textOf(Place const& place)
 {
     return placeText(place.file, place.line);
 }
 
-/// Takes one test after the other, in the order of their registration. Of two that contradict each
-/// other the later one is refused.
-class CNames
+/// What is compared of a child of a group.
+struct Named
 {
-public:
-    void add(RegisteredTest const& test)
-    {
-        std::string const& group = test.group->getPath();
-        if (isGroupAccepted(group, test.place) &&
-            isTestAccepted(group + "." + test.name, test.place))
-        {
-            keepGroups(group, test.place);
-        }
-    }
-
-    std::vector<std::string> const& getRefusals() const noexcept { return m_refusals; }
-
-private:
-    bool isGroupAccepted(std::string const& group, Place const& place);
-    bool isTestAccepted(std::string const& path, Place const& place);
-
-    void keepGroups(std::string const& group, Place const& place)
-    {
-        for (std::string path = group; !path.empty(); path = parentOf(path))
-        {
-            m_groups.emplace(path, place);
-        }
-    }
-
-    std::map<std::string, Place> m_groups; ///< where the first test of a group is, by path
-    std::map<std::string, Place> m_tests;  ///< by path
-    std::vector<std::string> m_refusals;
+    std::string_view name;
+    Place place;
+    bool isGroup;
 };
 
-bool CNames::isGroupAccepted(std::string const& group, Place const& place)
+Named named(RegisteredTest const& test)
 {
-    if (m_groups.find(group) != m_groups.end())
-    {
-        return true;
-    }
-    if (hasFormat(group))
-    {
-        m_refusals.push_back("the name of the group " + group + " contains a %, at " +
-                             textOf(place));
-        return false;
-    }
-    if (hasEmptyComponent(group))
-    {
-        m_refusals.push_back("the name of a group is empty in \"" + group + "\", at " +
-                             textOf(place));
-        return false;
-    }
-    for (std::string path = group; !path.empty(); path = parentOf(path))
-    {
-        if (auto const other = m_tests.find(path); other != m_tests.end())
-        {
-            m_refusals.push_back(path + " is a test at " + textOf(other->second) +
-                                 " and a group at " + textOf(place));
-            return false;
-        }
-    }
-    return true;
+    return {test.name, test.getPlace(), false};
 }
 
-/// Keeps the path of a test that is accepted.
-bool CNames::isTestAccepted(std::string const& path, Place const& place)
+Named named(zel::P<CRegisteredGroup> const& group)
 {
-    if (auto const group = m_groups.find(path); group != m_groups.end())
+    std::string_view const path = group->getPath();
+    return {path.substr(path.rfind('.') + 1), group->getPlace(), true};
+}
+
+Named named(Child const& child)
+{
+    return std::visit([](auto const& kind) { return named(kind); }, child);
+}
+
+void listGroupName(CRegisteredGroup const& group, Place const& place,
+                   std::vector<std::string>& refusals)
+{
+    std::string const& path = group.getPath();
+    if (hasFormat(path))
     {
-        m_refusals.push_back(path + " is a group at " + textOf(group->second) + " and a test at " +
-                             textOf(place));
-        return false;
+        refusals.push_back("the name of the group " + path + " contains a %, at " + textOf(place));
     }
-    auto const [other, isNew] = m_tests.emplace(path, place);
-    if (!isNew)
+    else if (hasEmptyComponent(path))
     {
-        m_refusals.push_back("two tests are named " + path + ", at " + textOf(other->second) +
-                             " and " + textOf(place));
+        refusals.push_back("the name of a group is empty in \"" + path + "\", at " + textOf(place));
     }
-    return isNew;
+}
+
+std::string describeTwins(std::string const& path, Named const& first, Named const& second)
+{
+    std::string const places[] = {" at " + textOf(first.place), textOf(second.place)};
+    if (!first.isGroup && !second.isGroup)
+    {
+        return "two tests are named " + path + "," + places[0] + " and " + places[1];
+    }
+    std::string const kinds[] = {first.isGroup ? "a group" : "a test",
+                                 second.isGroup ? "a group" : "a test"};
+    return path + " is " + kinds[0] + places[0] + " and " + kinds[1] + " at " + places[1];
+}
+
+void listTwins(CRegisteredGroup const& group, std::vector<std::string>& refusals)
+{
+    std::map<std::string_view, Named> children;
+    for (Child const& child : group.getRegistered())
+    {
+        Named const second = named(child);
+        auto const [first, isNew] = children.emplace(second.name, second);
+        if (!isNew)
+        {
+            std::string const path = group.getPath() + "." + std::string(second.name);
+            refusals.push_back(describeTwins(path, first->second, second));
+        }
+    }
+}
+
+std::vector<std::uint64_t> hashesOfNames(std::deque<Child> const& children)
+{
+    std::vector<std::uint64_t> hashes(children.size());
+    std::transform(children.begin(), children.end(), hashes.begin(),
+                   [](Child const& child)
+                   { return std::hash<std::string_view>()(named(child).name); });
+    return hashes;
+}
+
+/// Never false when two children have the same name, and seldom true when none have: compares
+/// hashes, since comparing all names takes longer than running tests that do nothing.
+bool mayHaveTwins(std::deque<Child> const& children)
+{
+    std::size_t size = 1;
+    while (size < 2 * children.size())
+    {
+        size *= 2;
+    }
+    // Halves of hashes, each behind the place that the other half tells: it is cache misses that
+    // take time.
+    std::vector<std::uint32_t> marks(size);
+    for (std::uint64_t const hash : hashesOfNames(children))
+    {
+        std::uint32_t const mark = static_cast<std::uint32_t>(hash >> 32U) | 1U;
+        std::size_t slot = hash & (size - 1);
+        while (marks[slot] != 0 && marks[slot] != mark)
+        {
+            slot = (slot + 1) & (size - 1);
+        }
+        if (marks[slot] == mark)
+        {
+            return true;
+        }
+        marks[slot] = mark;
+    }
+    return false;
 }
 
 } // namespace
 
-bool isGroupNameRefused(std::string const& path)
+std::vector<std::string> listRefusals(CRegisteredGroup const& group)
 {
-    return hasFormat(path) || hasEmptyComponent(path);
-}
-
-std::vector<std::string> listRefusals(std::deque<RegisteredTest> const& tests)
-{
-    CNames names;
-    for (RegisteredTest const& test : tests)
+    std::vector<std::string> refusals;
+    std::deque<Child> const& children = group.getRegistered();
+    auto const firstTest = std::find_if(children.begin(), children.end(),
+                                        [](Child const& child) { return !named(child).isGroup; });
+    if (firstTest != children.end())
     {
-        names.add(test);
+        listGroupName(group, named(*firstTest).place, refusals);
     }
-    return names.getRefusals();
+    if (mayHaveTwins(children))
+    {
+        listTwins(group, refusals);
+    }
+    return refusals;
 }
 
 } // namespace qix::detail

@@ -1,18 +1,15 @@
 #pragma once
 
-#include "RegisteredTest.h"
-
-#include <deque>
 #include <string>
 #include <vector>
 
 namespace qix::detail
 {
 
-/// Tells whether a path has an empty component or a character that no group may have.
-bool isGroupNameRefused(std::string const& path);
+class CRegisteredGroup;
 
-/// What is wrong with the names of tests and groups: a message for each test that is refused.
-std::vector<std::string> listRefusals(std::deque<RegisteredTest> const& tests);
+/// What is wrong with the names of a group and of its children: a message for each of them that is
+/// refused. Of two children that contradict each other the later one is refused.
+std::vector<std::string> listRefusals(CRegisteredGroup const& group);
 
 } // namespace qix::detail

@@ -8,6 +8,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 strictly=(-std=c++17 -Wall -Wextra -Wpedantic -Wshadow -Werror)
 folder=$(mktemp -d "${TMPDIR:-/tmp}/a stranger XXXXXX")
 trap 'rm -rf "$folder"' EXIT
+unset QIX_TESTWORKDIR
 
 # Everything but the sources is moved away from where it was installed: nothing may point there.
 installQix()

@@ -10,8 +10,8 @@ namespace qix
 namespace attributes
 {
 
-/// See ITestItem::Duration.
-enum Duration
+/// See ITestItem::Duration. Small, since a run may have a million tests.
+enum Duration : unsigned char
 {
     None = ITestItem::None,
     Short = ITestItem::Short,

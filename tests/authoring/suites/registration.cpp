@@ -17,6 +17,12 @@ public:
     CUnconstructible() { throw std::runtime_error("cannot be made"); }
 };
 
+class CUnconstructibleOddly : public qix::CTestItem
+{
+public:
+    CUnconstructibleOddly() { throw 42; }
+};
+
 } // namespace
 
 QIX_TEST(second, first)
@@ -62,6 +68,10 @@ QIX_TEST_F(CFixture, third.inner, sharesTheGroup, Short)
 }
 
 QIX_TEST_F(CUnconstructible, third, cannotBeMade)
+{
+}
+
+QIX_TEST_F(CUnconstructibleOddly, third, cannotBeMadeEither)
 {
 }
 
