@@ -32,7 +32,8 @@ public:
     static CSafeGlobalGuard& globalInstanceGuard();
 
     /// The value of the variable \p name, decoded from the locale's encoding, or \p defaultValue
-    /// when it is not set. Throws CError when the value's bytes are not valid in that encoding.
+    /// when it is not set or no variable can have that name.
+    /// Throws CError when the value's bytes are not valid in that encoding.
     String getVar(String const& name, String const& defaultValue) const;
 
 private:

@@ -21,7 +21,7 @@ public:
     /// refuses the lock.
     void lock();
 
-    /// Undoes one lock() of this thread.
+    /// Undoes one lock() of this thread, which must hold the mutex.
     void unlock();
 
 private:

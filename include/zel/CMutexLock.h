@@ -7,11 +7,13 @@
 namespace zel
 {
 
-/// Holds a mutex while it lives, and keeps the mutex alive as long.
+/// Holds a mutex while it lives, and keeps the mutex alive as long. It is destroyed on the thread
+/// that made it.
 class ZEL_EXPORT CMutexLock : public CBase
 {
 public:
-    /// Takes a reference to \p mutex, which must not be null, and locks it.
+    /// Takes a reference to \p mutex, which must not be null, and locks it. Throws what
+    /// CMutex::lock() throws.
     explicit CMutexLock(P<CMutex> const& mutex);
     CMutexLock(CMutexLock const&) = delete;
     CMutexLock& operator=(CMutexLock const&) = delete;

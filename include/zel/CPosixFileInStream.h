@@ -9,7 +9,8 @@ namespace zel
 class ZEL_EXPORT CPosixFileInStream : public CPosixFileStream
 {
 public:
-    /// Opens the file. Throws CError when it is missing, unreadable or a folder.
+    /// Opens the file. A named pipe is waited for until somebody writes to it. Throws CError when
+    /// the file is missing, unreadable or a folder.
     explicit CPosixFileInStream(TPathImpl<CUnixPathTraits> const& path);
     ~CPosixFileInStream() override;
 };

@@ -8,7 +8,8 @@
 namespace zel
 {
 
-/// Named properties, ordered by name: what an error tells beside its message.
+/// Named properties, ordered by name: what an error tells beside its message. Several threads may
+/// read one object as long as none changes it.
 class ZEL_EXPORT CProps : public CBase
 {
 public:

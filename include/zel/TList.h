@@ -8,7 +8,8 @@
 namespace zel
 {
 
-/// A doubly linked list that can be shared. Its elements are used as those of a std::list.
+/// A doubly linked list that can be shared. Its elements are used as those of a std::list,
+/// also as far as threads are concerned.
 template <typename T>
 class ZEL_EXPORT TList : public std::list<T>, public CBase
 {

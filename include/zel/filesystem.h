@@ -13,7 +13,7 @@ namespace zel
 /// others put in or take out meanwhile does not lead the removal out of the folder.
 /// Throws CError when the path leads to a file, which stays, when it ends in "." or "..", and when
 /// something cannot be removed; what was removed before stays removed.
-/// Safe to call while static objects are destroyed.
+/// Safe to call from any thread, and while static objects are destroyed.
 ZEL_EXPORT void unlinkFolder(TPathImpl<CUnixPathTraits> const& path);
 
 /// Creates a folder and those above it that are missing; does nothing when it is there.
@@ -21,11 +21,11 @@ ZEL_EXPORT void unlinkFolder(TPathImpl<CUnixPathTraits> const& path);
 /// \param mode  the permission bits of the new folder, from which the umask takes some away; the
 ///              folders above it also get those that the owner needs to go through them
 /// Throws CError when a file is in the way or a folder cannot be made; those that were made before
-/// stay.
+/// stay. Safe to call from any thread.
 ZEL_EXPORT void ensureFolderExists(TPathImpl<CUnixPathTraits> const& path, int mode);
 
 /// The current folder of the process, absolute. Throws CError when it has been removed, and when
-/// its bytes are not valid in the locale's encoding.
+/// its bytes are not valid in the locale's encoding. Safe to call from any thread.
 ZEL_EXPORT String getCurrentWorkDirectoryAsString();
 
 } // namespace zel

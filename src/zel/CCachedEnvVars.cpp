@@ -5,6 +5,8 @@
 #include "localeText.h"
 
 #include <cstdlib>
+#include <optional>
+#include <string>
 
 namespace zel
 {
@@ -15,6 +17,18 @@ namespace
 P<CCachedEnvVars> createInstance()
 {
     return newObj<CCachedEnvVars>();
+}
+
+/// The name as the environment has it; nothing when no variable can have that name. Without this
+/// look another variable would be taken.
+std::optional<std::string> encodeName(String const& name)
+{
+    auto bytes = encodeLocaleText(name);
+    if (bytes && bytes->find_first_of(std::string{'=', '\0'}) != std::string::npos)
+    {
+        return std::nullopt;
+    }
+    return bytes;
 }
 
 String decodeValue(String const& name, std::string const& bytes)
@@ -47,20 +61,20 @@ CSafeGlobalGuard& CCachedEnvVars::globalInstanceGuard()
 
 String CCachedEnvVars::getVar(String const& name, String const& defaultValue) const
 {
-    std::string const key = name.toCPSafe();
-    char const* const value = std::getenv(key.c_str());
+    auto const key = encodeName(name);
+    char const* const value = key ? std::getenv(key->c_str()) : nullptr;
     if (value == nullptr)
     {
         return defaultValue;
     }
     std::lock_guard<std::mutex> const lock(m_mutex);
-    auto const cached = m_decoded.find(key);
+    auto const cached = m_decoded.find(*key);
     if (cached != m_decoded.end() && cached->second.bytes == value)
     {
         return cached->second.text;
     }
     String const text = decodeValue(name, value);
-    m_decoded[key] = Decoded{value, text};
+    m_decoded[*key] = Decoded{value, text};
     return text;
 }
 

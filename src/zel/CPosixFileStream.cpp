@@ -77,7 +77,7 @@ std::int64_t CPosixFileStream::getLength() const
     {
         throwFileError(lengthOperation, m_path.getText(), errno);
     }
-    // Of anything but a file and a device the length is told as 0, whatever is in it.
+    // The length of a pipe is told as 0, whatever is in it. Unlike a device it cannot be sought in.
     if (!S_ISREG(status.st_mode) && lseek(m_descriptor, 0, SEEK_CUR) < 0)
     {
         throwFileError(lengthOperation, m_path.getText(), errno);

@@ -5,7 +5,6 @@
 #include "localeText.h"
 
 #include <cerrno>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -23,10 +22,10 @@ P<CSystemAccountManager> createInstance()
     return newObj<CSystemAccountManager>();
 }
 
-[[noreturn]] void throwNoName(uid_t user, std::string const& reason)
+[[noreturn]] void throwNoName(uid_t user, String const& reason)
 {
     throw CError("Unable to find the name of the user with id " + String(std::to_string(user)) +
-                 ": " + String(reason) + ".");
+                 ": " + reason + ".");
 }
 
 std::string readUserName(uid_t user)
@@ -47,7 +46,8 @@ std::string readUserName(uid_t user)
         }
         else if (error != EINTR)
         {
-            throwNoName(user, error == 0 ? "there is no such account" : std::strerror(error));
+            throwNoName(user,
+                        error == 0 ? String("there is no such account") : messageOfError(error));
         }
     }
 }

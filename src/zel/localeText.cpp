@@ -2,6 +2,8 @@
 
 #include <wx/strconv.h>
 
+#include <system_error>
+
 namespace zel
 {
 
@@ -38,6 +40,11 @@ std::optional<std::string> encodeLocaleText(String const& text)
 String decodeForMessage(std::string const& bytes)
 {
     return decodeLocaleText(bytes).value_or(String(bytes));
+}
+
+String messageOfError(int error)
+{
+    return decodeForMessage(std::generic_category().message(error));
 }
 
 } // namespace zel

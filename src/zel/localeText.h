@@ -20,4 +20,7 @@ std::optional<std::string> encodeLocaleText(String const& text);
 /// ISO-8859-1.
 String decodeForMessage(std::string const& bytes);
 
+/// The system's words for the errno value \p error, without a full stop.
+String messageOfError(int error);
+
 } // namespace zel

@@ -4,8 +4,6 @@
 
 #include "localeText.h"
 
-#include <system_error>
-
 namespace zel
 {
 
@@ -16,7 +14,7 @@ void throwFileError(char const* operation, String const& path, String const& rea
 
 void throwFileError(char const* operation, String const& path, int error)
 {
-    throwFileError(operation, path, decodeForMessage(std::generic_category().message(error)));
+    throwFileError(operation, path, messageOfError(error));
 }
 
 std::string toSystemPath(char const* operation, TPathImpl<CUnixPathTraits> const& path)

@@ -58,6 +58,15 @@ TEST(CCachedEnvVars, seesEachChange)
     EXPECT_EQ(getVar(), "default");
 }
 
+TEST(CCachedEnvVars, givesTheDefaultForWhatIsNoNameOfAVariable)
+{
+    CScopedEnvVar const variable(name, "one=two");
+    auto const environment = CCachedEnvVars::get();
+    EXPECT_EQ(environment->getVar(std::string(name) + '\0' + "more", "default"), "default");
+    EXPECT_EQ(environment->getVar(String(name) + "=one", "default"), "default");
+    EXPECT_EQ(environment->getVar("", "default"), "default");
+}
+
 TEST(CCachedEnvVars, isReadBySeveralThreads)
 {
     CScopedEnvVar const variable(name, "value");
@@ -97,6 +106,12 @@ TEST_F(CCachedEnvVarsInUtf8Locale, refusesBytesThatAreNoUtf8)
     {
         EXPECT_NE(std::string(e.what()).find(name), std::string::npos) << e.what();
     }
+}
+
+TEST_F(CCachedEnvVarsInCLocale, aNameThatCannotBeEncodedIsNoOtherName)
+{
+    CScopedEnvVar const variable("?", "value");
+    EXPECT_EQ(CCachedEnvVars::get()->getVar(L"\u20ac", "default"), "default");
 }
 
 TEST_F(CCachedEnvVarsInCLocale, readsEachByteAsACharacter)

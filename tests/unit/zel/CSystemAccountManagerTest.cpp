@@ -3,6 +3,7 @@
 
 #include "CFakeAccounts.h"
 #include "Locale.h"
+#include "TranslatedMessage.h"
 
 #include <gtest/gtest.h>
 
@@ -103,6 +104,15 @@ TEST_F(CSystemAccountManagerInUtf8Locale, decodesTheName)
 {
     CFakeAccounts const accounts(1234, "j\xc3\xbcrgen");
     EXPECT_EQ(getName(), L"j\u00fcrgen");
+}
+
+TEST_F(CSystemAccountManagerInUtf8Locale, decodesTheReason)
+{
+    test::TranslatedMessage const german("Input/output error", "Ger\xc3\xa4tefehler");
+    CFakeAccounts accounts(1234, "alice");
+    accounts.m_error = EIO;
+    EXPECT_EQ(failToGetName(),
+              "Unable to find the name of the user with id 1234: Ger\xc3\xa4tefehler.");
 }
 
 TEST_F(CSystemAccountManagerInUtf8Locale, refusesANameThatIsNoUtf8)

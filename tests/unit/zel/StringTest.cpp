@@ -41,6 +41,7 @@ TEST(String, isEmptyFromNothingAndFromNull)
 {
     EXPECT_TRUE(String().empty());
     EXPECT_TRUE(String(static_cast<char const*>(nullptr)).empty());
+    EXPECT_TRUE(String(static_cast<wchar_t const*>(nullptr)).empty());
 }
 
 TEST(String, isMadeFromWideTextAndWxString)

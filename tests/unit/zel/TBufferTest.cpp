@@ -85,14 +85,18 @@ TYPED_TEST(TBuffer, copyTakesTheCapacityButNotTheSettings)
     auto const source = this->bytes("abc");
     zel::TBuffer<TypeParam> buffer(source.data(), 3, 8);
     buffer.setMinGrowFactor(2.0);
+    buffer.setAllocAlignBytes(16);
     buffer.addRef();
-    zel::TBuffer<TypeParam> const copy(buffer);
+    zel::TBuffer<TypeParam> copy(buffer);
     buffer.release();
     EXPECT_EQ(this->textOf(copy), "abc");
     EXPECT_EQ(copy.getAllocated(), 8);
     EXPECT_EQ(copy.getMinGrowFactor(), 0.0);
     EXPECT_EQ(copy.getRefCount(), 1);
-    EXPECT_NE(copy.getData(), static_cast<TypeParam const*>(buffer.getData()));
+    TypeParam const* const data = copy.getData();
+    EXPECT_NE(data, buffer.getData());
+    copy.setAllocAlignBytes(16);
+    EXPECT_NE(copy.getData(), data) << "the alignment is new to the copy";
 }
 
 TYPED_TEST(TBuffer, growsToWhatIsNeededOrByTheFactor)

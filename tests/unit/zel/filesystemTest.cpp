@@ -2,6 +2,7 @@
 
 #include "CTempWorkDirectory.h"
 #include "Locale.h"
+#include "TranslatedMessage.h"
 #include "errorOf.h"
 #include "passesAsOrdinaryUser.h"
 #include "readFile.h"
@@ -372,6 +373,13 @@ TEST_F(filesystemInUtf8Locale, pathsReachTheSystemInUtf8)
     fs::current_path("..");
     unlinkFolder(String(L"\u00e4\u20ac"));
     EXPECT_FALSE(isThere("\xc3\xa4\xe2\x82\xac"));
+}
+
+TEST_F(filesystemInUtf8Locale, errorsDecodeTheReason)
+{
+    test::TranslatedMessage const german("No such file or directory", "Fehlt v\xc3\xb6llig");
+    EXPECT_EQ(errorOf([] { ensureFolderExists("", 0777); }),
+              "Unable to create the folder '': Fehlt v\xc3\xb6llig.");
 }
 
 TEST_F(filesystemInUtf8Locale, aCurrentFolderThatIsNoUtf8IsAnError)
