@@ -9,6 +9,7 @@ namespace
 std::size_t g_calls = 0;
 std::size_t g_firstFailing = faults::memory::unlimited;
 std::size_t g_failing = 0;
+std::size_t g_objects = 0;
 
 bool mayAllocate() noexcept
 {
@@ -38,6 +39,11 @@ std::size_t calls() noexcept
     return g_calls;
 }
 
+std::size_t objects() noexcept
+{
+    return g_objects;
+}
+
 } // namespace faults::memory
 
 // Exported, so that the libraries and the C++ runtime use them too. The array forms call these.
@@ -50,15 +56,17 @@ FAULTS_REPLACED void* operator new(std::size_t size)
     {
         throw std::bad_alloc();
     }
+    ++g_objects;
     return memory;
 }
 
 FAULTS_REPLACED void operator delete(void* memory) noexcept
 {
+    g_objects -= memory == nullptr ? 0 : 1;
     std::free(memory);
 }
 
 FAULTS_REPLACED void operator delete(void* memory, std::size_t) noexcept
 {
-    std::free(memory);
+    operator delete(memory);
 }

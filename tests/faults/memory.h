@@ -21,6 +21,9 @@ void failNothing() noexcept;
 /// How many calls have been made since failCalls().
 std::size_t calls() noexcept;
 
+/// How many objects are allocated now.
+std::size_t objects() noexcept;
+
 } // namespace memory
 
 } // namespace faults
