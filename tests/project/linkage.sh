@@ -1,6 +1,6 @@
 #!/bin/bash
 # A library needs the base library of wxWidgets and nothing of a graphical toolkit:
-# linkage LIBRARY
+# linkage.sh LIBRARY
 set -euo pipefail
 
 needed=$(ldd "$1")

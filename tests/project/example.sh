@@ -1,5 +1,5 @@
 #!/bin/bash
-# The example suite passes, and the test that is meant to fail does: example EXECUTABLE
+# The example suite passes, and the test that is meant to fail does: example.sh EXECUTABLE
 set -euo pipefail
 
 QIX_TESTWORKDIR=$(mktemp -d)
