@@ -16,7 +16,6 @@
 namespace
 {
 
-constexpr std::size_t longestInput = 4096;
 constexpr int mostElements = 300;
 
 using Element = unsigned char;
@@ -298,10 +297,6 @@ private:
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    if (size > longestInput)
-    {
-        return -1;
-    }
     fuzz::Input input(data, size);
     Buffers buffers(input);
     while (!input.isAtEnd())

@@ -22,8 +22,6 @@
 namespace
 {
 
-constexpr std::size_t longestInput = 4096;
-
 struct Encoding
 {
     wxMBConv const& converter;
@@ -135,10 +133,6 @@ void checkLocale(std::wstring const& text)
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    if (size > longestInput)
-    {
-        return -1;
-    }
     fuzz::Input input(data, size);
     std::size_t const choice = static_cast<std::uint8_t>(input.byte() - 'a') % encodings().size();
     std::wstring const text = readText(input);

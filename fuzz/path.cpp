@@ -18,7 +18,6 @@
 namespace
 {
 
-constexpr std::size_t longestInput = 4096;
 constexpr std::size_t mostPaths = 64;
 constexpr std::size_t longestPath = 2000;
 
@@ -115,10 +114,6 @@ private:
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    if (size > longestInput)
-    {
-        return -1;
-    }
     fuzz::Input input(data, size);
     Paths paths;
     while (!input.isAtEnd() && !paths.isFull())
