@@ -1,6 +1,6 @@
 /// What the parts of a test cost: nanoseconds, and calls of operator new.
 
-#include "allocations.h"
+#include "../../tests/support/allocations.h"
 
 #include <qix/CConsoleTestRunner.h>
 #include <qix/CTestItemGroup.h>
@@ -24,13 +24,14 @@ public:
 protected:
     void body() override
     {
-        std::size_t const before = bench::allocations();
+        std::size_t const before = test::countAllocations();
         for (auto _ : m_state)
         {
             m_step(*this);
         }
-        m_state.counters["allocations"] = benchmark::Counter(
-            static_cast<double>(bench::allocations() - before), benchmark::Counter::kAvgIterations);
+        m_state.counters["allocations"] =
+            benchmark::Counter(static_cast<double>(test::countAllocations() - before),
+                               benchmark::Counter::kAvgIterations);
     }
 
 private:

@@ -346,14 +346,14 @@ TEST(Checks, outsideOfTestsFailuresAreThrown)
 
 TEST(Checks, passingOnesAllocateNothing)
 {
-    long counted = -1;
+    std::size_t counted = 1;
     std::vector<int> const numbers = {1, 2, 3};
     std::string const text = "some text that is longer than a short one";
     std::string const same = text;
     EXPECT_EQ(run(
                   [&]
                   {
-                      long const before = test::countAllocations();
+                      std::size_t const before = test::countAllocations();
                       QIX_CHECK(numbers.size() == 3);
                       QIX_REQUIRE(text == same);
                       QIX_CHECK(text != "other");
@@ -363,8 +363,8 @@ TEST(Checks, passingOnesAllocateNothing)
                       counted = test::countAllocations() - before;
                   }),
               "ok");
-    EXPECT_EQ(counted, 0);
-    long const before = test::countAllocations();
+    EXPECT_EQ(counted, 0u);
+    std::size_t const before = test::countAllocations();
     EXPECT_EQ(std::vector<int>(3).size(), 3u);
     EXPECT_GT(test::countAllocations(), before) << "nothing is counted";
 }

@@ -239,8 +239,8 @@ void addManyFailures()
     addGood("last");
 }
 
-/// The suite for runs in which each single allocation fails: each kind of outcome, and a menu's
-/// worth of names.
+/// The suite for runs in which each single allocation fails: tests that pass, one that fails, and
+/// one that is made when it is needed.
 void addSmall()
 {
     addPlain();

@@ -46,10 +46,9 @@ std::size_t objects() noexcept
 
 } // namespace faults::memory
 
-// Exported, so that the libraries and the C++ runtime use them too. The array forms call these.
-#define FAULTS_REPLACED __attribute__((visibility("default")))
+// The libraries and the C++ runtime call these too, and so do the array forms.
 
-FAULTS_REPLACED void* operator new(std::size_t size)
+void* operator new(std::size_t size)
 {
     void* const memory = mayAllocate() ? std::malloc(size == 0 ? 1 : size) : nullptr;
     if (memory == nullptr)
@@ -60,13 +59,13 @@ FAULTS_REPLACED void* operator new(std::size_t size)
     return memory;
 }
 
-FAULTS_REPLACED void operator delete(void* memory) noexcept
+void operator delete(void* memory) noexcept
 {
     g_objects -= memory == nullptr ? 0 : 1;
     std::free(memory);
 }
 
-FAULTS_REPLACED void operator delete(void* memory, std::size_t) noexcept
+void operator delete(void* memory, std::size_t) noexcept
 {
     operator delete(memory);
 }

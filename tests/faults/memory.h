@@ -3,11 +3,8 @@
 #include <cstddef>
 #include <limits>
 
-namespace faults
-{
-
 /// The replaced operator new of this executable, which can be made to fail.
-namespace memory
+namespace faults::memory
 {
 
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
@@ -24,6 +21,4 @@ std::size_t calls() noexcept;
 /// How many objects are allocated now.
 std::size_t objects() noexcept;
 
-} // namespace memory
-
-} // namespace faults
+} // namespace faults::memory

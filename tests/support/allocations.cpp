@@ -1,5 +1,5 @@
-// Replaces the operators of the process. They stand in a file of their own, where no optimizer can
-// mix them with their callers.
+// The operators stand in a file of their own, where no optimizer can mix them with their callers.
+// The libraries call them too; the array forms call these.
 
 #include "allocations.h"
 
@@ -10,13 +10,18 @@
 namespace
 {
 
-std::atomic<long> allocations{0};
+std::atomic<std::size_t> g_allocations = 0;
 
 } // namespace
 
+std::size_t test::countAllocations() noexcept
+{
+    return g_allocations;
+}
+
 void* operator new(std::size_t size)
 {
-    ++allocations;
+    g_allocations.fetch_add(1, std::memory_order_relaxed);
     if (void* const memory = std::malloc(size == 0 ? 1 : size))
     {
         return memory;
@@ -32,9 +37,4 @@ void operator delete(void* memory) noexcept
 void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
-}
-
-long test::countAllocations() noexcept
-{
-    return allocations;
 }

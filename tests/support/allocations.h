@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
+
 namespace test
 {
 
-/// How often the process has asked operator new for memory.
-long countAllocations() noexcept;
+/// How often operator new has been called, which each executable replaces that links this.
+std::size_t countAllocations() noexcept;
 
 } // namespace test
