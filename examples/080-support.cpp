@@ -9,6 +9,8 @@
 #include <fstream>
 #include <string>
 
+#include <unistd.h>
+
 // The folder is empty, whatever an earlier run left behind, and goes away with the object.
 QIX_TEST(folder, startsEmpty)
 {
@@ -34,7 +36,7 @@ QIX_TEST(privileges, changesOwner)
     qix::throwSkippedExceptionIfNotAdmin();
     qix::CTestFolder const folder("owned");
     std::string const path = folder.getPath().getText().toCPSafe();
-    QIX_CHECK(std::filesystem::status(path).type() == std::filesystem::file_type::directory);
+    QIX_CHECK(chown(path.c_str(), 65534, 65534) == 0);
 }
 
 // Root may write everywhere, so there is nothing to be refused.

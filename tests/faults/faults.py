@@ -36,9 +36,10 @@ cut where it says so.
 
 What holds for all of them:
 
-- A line of the log is on disk before the next thing happens, so whatever ends the process, the log
-  holds all that was written, and its last line names the test that was running. The lines that
-  this test has recorded are written when it ends, so they are the only thing that can be lost.
+- A line of the log has left the process before the next thing happens, so whatever ends the
+  process, the log holds all that was written, and its last line names the test that was running.
+  The lines that this test has recorded are written when it ends, so they are the only thing that
+  can be lost.
 - A failure is printed when it happens, and listed once more at the end.
 - Exit status 0 means that the whole run took place, that nothing failed, and that all of it was
   printed. There is one exception, which no program can see from inside: a test that calls `_exit`
@@ -303,6 +304,9 @@ def page(binary):
 
 def matches(name, binary):
     expected = PAGE.read_text("utf-8")
+    if not expected.startswith(INTRODUCTION):
+        print(f"{PAGE.name} begins with another introduction")
+        return False
     if name == MEMORY.name:
         actual = check_memory(binary)
     else:

@@ -2,7 +2,8 @@
 """Compares the layout of the public classes, as the compilers list it, with stored files.
 
 Virtual tables and bases come from g++, fields from clang++, as each lists only one of them well.
-With --update the files are written instead: read them before they are committed.
+With --update the files are written instead: read them before they are committed. The other
+arguments are those that `ctest -V -R layout` shows.
 """
 
 import argparse
