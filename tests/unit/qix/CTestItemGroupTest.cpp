@@ -1,6 +1,7 @@
 #include <qix/CTestItemGroup.h>
 
 #include "CFunctionTestItem.h"
+#include "CNotingRunner.h"
 #include "COutputCapture.h"
 
 #include <gmock/gmock.h>
@@ -17,9 +18,9 @@ namespace
 
 using qix::CTestItemGroup;
 using qix::ITestItem;
-using qix::ITestRunner;
 using test::CFunctionFactory;
 using test::CFunctionTestItem;
+using test::CNotingRunner;
 using testing::ElementsAre;
 using zel::P;
 
@@ -35,31 +36,6 @@ public:
     void clean() override { ++m_hooks; }
 
     int m_hooks = 0;
-};
-
-/// Notes what it is given to run.
-class CNotingRunner : public zel::CBase, public virtual ITestRunner
-{
-public:
-    void runTestItem(ITestItem* item) override
-    {
-        m_names.push_back(item == nullptr ? "null" : item->getName());
-        if (m_whenRun)
-        {
-            m_whenRun();
-        }
-    }
-    bool beginSubTest(std::string const&, ITestItem::Duration, bool, bool) override
-    {
-        return false;
-    }
-    void endSubTest_Failed(std::exception const&) override {}
-    void endSubTest_Aborted() override {}
-    void endSubTest_Skipped() override {}
-    void endSubTest_Success() override {}
-
-    std::vector<std::string> m_names;
-    std::function<void()> m_whenRun;
 };
 
 P<CFunctionFactory> makeFactory(std::string const& name)

@@ -3,11 +3,11 @@
 #include <zel/P.h>
 #include <zel/String.h>
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -72,8 +72,6 @@ Steps stepsWhenThrowing(std::string const& throwingStep)
     return test->steps();
 }
 
-} // namespace
-
 TEST(CTestItem, isDerivedFromInAnotherModule)
 {
     zel::P<qix::ITestItem> const test = zel::newObj<CHookedTest>("");
@@ -110,3 +108,5 @@ TEST(CTestItem, failureOutweighsASkip)
     EXPECT_THROW(zel::newObj<CSkippedTest>(false)->run(nullptr), qix::CTestSkippedException);
     EXPECT_THROW(zel::newObj<CSkippedTest>(true)->run(nullptr), std::runtime_error);
 }
+
+} // namespace

@@ -3,10 +3,10 @@
 #include <zel/String.h>
 #include <zel/TBuffer.h>
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
-
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -27,8 +27,6 @@ std::string addressText(void const* address)
     out.address(address);
     return out.written();
 }
-
-} // namespace
 
 // Behind a smart pointer there is a character, or an array of them whose end nobody knows.
 TEST(Describe, smartPointersAreAddresses)
@@ -53,3 +51,5 @@ TEST(Describe, buffersShowWhatIsUsed)
                                                     1, -1)),
               "<1 byte: ff>");
 }
+
+} // namespace

@@ -3,11 +3,11 @@
 #include "CTempWorkDirectory.h"
 #include "errorOf.h"
 #include "passesAsOrdinaryUser.h"
+#include "readFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -16,7 +16,6 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,6 +29,18 @@ using zel::CPosixFileInStream;
 
 void ignoreSignal(int)
 {
+}
+
+/// Returns when the system has put the thread of this process to sleep, in a system call say.
+void waitUntilAsleep(pid_t thread)
+{
+    std::string const path = "/proc/self/task/" + std::to_string(thread) + "/stat";
+    for (char state = 'R'; state != 'S'; std::this_thread::yield())
+    {
+        // The state stands behind the name, which is in parentheses.
+        std::string const line = test::readFile(path);
+        state = line.at(line.rfind(')') + 2);
+    }
 }
 
 class CPosixFileInStreamTest : public testing::Test
@@ -125,18 +136,18 @@ TEST_F(CPosixFileInStreamTest, signalsDoNotEndAReading)
     int const writer = open("pipe", O_RDWR);
     CPosixFileInStream pipe("pipe");
     std::thread disturber(
-        [reader = pthread_self(), writer]
+        [reader = gettid(), writer]
         {
             for (char const byte : std::string("abcd"))
             {
-                std::this_thread::sleep_for(std::chrono::milliseconds(5));
-                pthread_kill(reader, SIGUSR1);
-                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                waitUntilAsleep(reader);
+                EXPECT_EQ(tgkill(getpid(), reader, SIGUSR1), 0);
+                waitUntilAsleep(reader);
                 EXPECT_EQ(write(writer, &byte, 1), 1);
             }
         });
     std::string buffer(4, '-');
-    EXPECT_EQ(pipe.read(buffer.data(), 4), 4);
+    EXPECT_EQ(errorOf([&] { EXPECT_EQ(pipe.read(buffer.data(), 4), 4); }), "");
     disturber.join();
     EXPECT_EQ(buffer, "abcd");
     close(writer);
