@@ -134,7 +134,7 @@ TEST_F(RunnerLog, outputStandsOnceBehindItsItem)
     EXPECT_EQ(runner().m_indent, "  ");
 }
 
-TEST_F(RunnerLog, everyWriteIsOnDiskAtOnce)
+TEST_F(RunnerLog, everyWriteLeavesTheProcessAtOnce)
 {
     runner().openLog();
     runner().logNoIndent("one");

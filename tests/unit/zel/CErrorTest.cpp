@@ -66,7 +66,7 @@ TEST(CError, keepsCodesOf64Bits)
     EXPECT_EQ(CError("", "", 0x7fffffffffffffffLL).getCode(), 0x7fffffffffffffffLL);
 }
 
-TEST(CError, keepsAnAnonymousMessage)
+TEST(CError, messageMayBeEmpty)
 {
     EXPECT_STREQ(CError("").what(), "");
 }

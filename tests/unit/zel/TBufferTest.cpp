@@ -1,6 +1,8 @@
 #include <zel/P.h>
 #include <zel/TBuffer.h>
 
+#include "../../models/BufferModel.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -380,12 +382,12 @@ TEST(TBufferDerived, freesItsStorageItself)
 }
 
 /// One buffer beside what it should hold.
-class CModel
+class CModelledBuffer
 {
 public:
-    explicit CModel(std::mt19937& random) : m_random(random) {}
+    explicit CModelledBuffer(std::mt19937& random) : m_random(random) {}
 
-    void doOneThing(CModel& other)
+    void doOneThing(CModelledBuffer& other)
     {
         switch (pick(17))
         {
@@ -405,21 +407,19 @@ public:
             moveInside();
             break;
         case 5:
-            m_buffer.alloc(setCapacity(pick(80)));
-            m_content.resize(std::min(m_content.size(), static_cast<std::size_t>(m_capacity)));
+            alloc(pick(80));
             break;
         case 6:
-            m_buffer.ensureAllocated(grow(pick(80)));
+            ensureAllocated(pick(80));
             break;
         case 7:
-            m_buffer.ensureFree(growBy(pick(20)));
+            ensureFree(pick(20));
             break;
         case 8:
-            setAlignment();
+            m_buffer.setAllocAlignBytes(1 << pick(8));
             break;
         case 9:
-            m_factor = pick(40) / 10.0;
-            m_buffer.setMinGrowFactor(m_factor);
+            setFactor(pick(40) / 10.0);
             break;
         case 10:
             attach(pick(30));
@@ -432,8 +432,7 @@ public:
             break;
         case 13:
             m_buffer = other.m_buffer;
-            m_content = other.m_content;
-            m_capacity = other.m_capacity;
+            m_model.assign(other.m_model);
             break;
         case 14:
             appendThroughFreePtr(pick(20));
@@ -449,9 +448,10 @@ public:
     void compare()
     {
         ASSERT_EQ(m_buffer.getUsed(), size());
-        ASSERT_EQ(m_buffer.getAllocated(), m_capacity);
-        ASSERT_EQ(m_buffer.getFree(), m_capacity - size());
-        ASSERT_TRUE(std::equal(m_content.begin(), m_content.end(), m_buffer.getData()));
+        ASSERT_EQ(m_buffer.getAllocated(), m_model.capacity);
+        ASSERT_EQ(m_buffer.getFree(), m_model.capacity - size());
+        ASSERT_TRUE(
+            std::equal(m_model.elements.begin(), m_model.elements.end(), m_buffer.getData()));
     }
 
 private:
@@ -459,7 +459,7 @@ private:
     {
         return static_cast<int>(m_random() % static_cast<unsigned>(std::max(end, 1)));
     }
-    int size() const { return static_cast<int>(m_content.size()); }
+    int size() const { return m_model.used(); }
 
     std::vector<char> someBytes(int count)
     {
@@ -468,45 +468,53 @@ private:
         return bytes;
     }
 
-    int setCapacity(int capacity) { return m_capacity = capacity; }
-
-    int grow(int needed)
-    {
-        if (m_capacity < needed)
-        {
-            m_capacity = std::max(needed, static_cast<int>(m_capacity * m_factor));
-        }
-        return needed;
-    }
-
-    int growBy(int count)
-    {
-        grow(size() + count);
-        return count;
-    }
-
     /// What a buffer newly uses is not set, so that it is set here.
     void fillFrom(int first)
     {
         for (int i = first; i < size(); ++i)
         {
-            m_buffer[i] = m_content[static_cast<std::size_t>(i)] = static_cast<char>(pick(256));
+            m_buffer[i] = m_model.elements[static_cast<std::size_t>(i)] =
+                static_cast<char>(pick(256));
         }
+    }
+
+    void alloc(int capacity)
+    {
+        m_buffer.alloc(capacity);
+        m_model.reallocate(capacity);
+    }
+
+    void ensureAllocated(int capacity)
+    {
+        m_buffer.ensureAllocated(capacity);
+        m_model.grow(capacity);
+    }
+
+    void ensureFree(int count)
+    {
+        m_buffer.ensureFree(count);
+        m_model.grow(size() + count);
+    }
+
+    void setFactor(double factor)
+    {
+        m_buffer.setMinGrowFactor(factor);
+        m_model.growFactor = factor;
     }
 
     void addUsed(int count)
     {
         int const old = size();
-        m_buffer.addUsed(growBy(count));
-        m_content.resize(m_content.size() + static_cast<std::size_t>(count));
+        m_buffer.addUsed(count);
+        m_model.setUsed(old + count, 0);
         fillFrom(old);
     }
 
     void setUsed(int count)
     {
         int const old = size();
-        m_buffer.setUsed(grow(count));
-        m_content.resize(static_cast<std::size_t>(count));
+        m_buffer.setUsed(count);
+        m_model.setUsed(count, 0);
         fillFrom(old);
     }
 
@@ -514,14 +522,14 @@ private:
     {
         int const position = pick(size() + 1);
         auto const bytes = someBytes(count);
-        m_buffer.insert(position, bytes.data(), growBy(count));
-        m_content.insert(m_content.begin() + position, bytes.begin(), bytes.end());
+        m_buffer.insert(position, bytes.data(), count);
+        m_model.insert(position, bytes);
     }
 
     void eraseFromStart(int count)
     {
         m_buffer.eraseFromStart(count);
-        m_content.erase(m_content.begin(), m_content.begin() + count);
+        m_model.eraseFromStart(count);
     }
 
     void moveInside()
@@ -530,11 +538,8 @@ private:
         int const from = pick(size() - count + 1);
         int const to = pick(size() - count + 1);
         m_buffer.move(to, from, count);
-        std::vector<char> const moved(m_content.begin() + from, m_content.begin() + from + count);
-        std::copy(moved.begin(), moved.end(), m_content.begin() + to);
+        m_model.move(to, from, count);
     }
-
-    void setAlignment() { m_buffer.setAllocAlignBytes(1 << pick(8)); }
 
     void attach(int count)
     {
@@ -542,37 +547,36 @@ private:
         std::vector<char> memory(bytes);
         m_buffer.attachNoDelete(memory.data(), count);
         m_memory.swap(memory);
-        m_content = bytes;
-        m_capacity = count;
+        m_model.elements = bytes;
+        m_model.capacity = count;
     }
 
     void clear()
     {
         m_buffer.clear();
-        m_content.clear();
-        m_capacity = 0;
+        m_model.reallocate(0);
     }
 
     void init(int count)
     {
         auto const bytes = someBytes(count);
-        m_buffer.init(bytes.data(), grow(count));
-        m_content = bytes;
+        m_buffer.init(bytes.data(), count);
+        m_model.init(bytes);
     }
 
     void appendThroughFreePtr(int count)
     {
         auto const bytes = someBytes(count);
-        char* const free = m_buffer.getFreePtr(growBy(count));
+        char* const free = m_buffer.getFreePtr(count);
         std::copy(bytes.begin(), bytes.end(), free);
         m_buffer.addUsed(count);
-        m_content.insert(m_content.end(), bytes.begin(), bytes.end());
+        m_model.insert(size(), bytes);
     }
 
     void compareWithCopy()
     {
         zel::TBuffer<char> copy(m_buffer);
-        EXPECT_EQ(copy.getAllocated(), m_capacity);
+        EXPECT_EQ(copy.getAllocated(), m_model.capacity);
         EXPECT_TRUE(copy == m_buffer);
         if (size() > 0)
         {
@@ -587,16 +591,14 @@ private:
         {
             int const position = pick(size());
             ++m_buffer[position];
-            ++m_content[static_cast<std::size_t>(position)];
+            ++m_model.elements[static_cast<std::size_t>(position)];
         }
     }
 
     std::mt19937& m_random;
     std::vector<char> m_memory; ///< what the buffer may be attached to
     zel::TBuffer<char> m_buffer;
-    std::vector<char> m_content;
-    int m_capacity = 0;
-    double m_factor = 0.0;
+    models::BufferModel<char> m_model;
 };
 
 TEST(TBufferModel, holdsWhatAVectorHolds)
@@ -606,11 +608,11 @@ TEST(TBufferModel, holdsWhatAVectorHolds)
     for (unsigned seed = 0; seed < sequences; ++seed)
     {
         std::mt19937 random(seed);
-        CModel first(random);
-        CModel second(random);
+        CModelledBuffer first(random);
+        CModelledBuffer second(random);
         for (int step = 0; step < steps; ++step)
         {
-            CModel& changed = random() % 2 == 0 ? first : second;
+            CModelledBuffer& changed = random() % 2 == 0 ? first : second;
             changed.doOneThing(&changed == &first ? second : first);
             changed.compare();
             ASSERT_FALSE(testing::Test::HasFailure()) << "seed " << seed << ", step " << step;

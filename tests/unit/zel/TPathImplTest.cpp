@@ -1,6 +1,7 @@
 #include <zel/CBadPathError.h>
 #include <zel/TPathImpl.h>
 
+#include "../../models/PathModel.h"
 #include "CTempWorkDirectory.h"
 #include "errorOf.h"
 
@@ -14,6 +15,7 @@
 namespace
 {
 
+using models::PathModel;
 using test::errorOf;
 using zel::CPath;
 using zel::String;
@@ -160,104 +162,10 @@ TEST(TPathImpl, markIsTrusted)
     EXPECT_TRUE(again.isNormalized());
 }
 
-/// The rules once more, slowly and on plain strings: texts are rewritten until nothing changes.
-namespace model
+PathModel modelOf(std::string const& text)
 {
-
-struct Path
-{
-    std::string text;
-    bool isNormalized;
-};
-
-std::vector<std::string> split(std::string const& text)
-{
-    std::vector<std::string> parts(1);
-    for (char const character : text)
-    {
-        if (character == '/')
-        {
-            parts.emplace_back();
-        }
-        else
-        {
-            parts.back() += character;
-        }
-    }
-    return parts;
+    return {std::wstring(text.begin(), text.end()), false};
 }
-
-bool startsWithSlash(std::string const& text)
-{
-    return text.compare(0, 1, "/") == 0;
-}
-
-Path join(Path const& left, Path const& right)
-{
-    if (right.text.empty())
-    {
-        return left;
-    }
-    if (startsWithSlash(right.text))
-    {
-        return right;
-    }
-    bool const isPlain =
-        right.text != "." && right.text != ".." && right.text.find('/') == std::string::npos;
-    bool const needsSlash = !left.text.empty() && left.text.back() != '/';
-    return {left.text + (needsSlash ? "/" : "") + right.text, left.isNormalized && isPlain};
-}
-
-/// Drops the first component that can go. \return false when none can
-bool rewrite(std::vector<std::string>& parts)
-{
-    for (auto part = parts.begin(); part != parts.end(); ++part)
-    {
-        if (part->empty() || *part == ".")
-        {
-            parts.erase(part);
-            return true;
-        }
-        if (*part != ".." && part + 1 != parts.end() && part[1] == "..")
-        {
-            parts.erase(part, part + 2);
-            return true;
-        }
-    }
-    return false;
-}
-
-/// Nothing when the path climbs above the root.
-std::optional<Path> normalize(Path const& path, bool makeAbsolute, std::string const& base,
-                              std::string const& current)
-{
-    if (path.isNormalized)
-    {
-        return path;
-    }
-    std::string text = path.text;
-    if (makeAbsolute && !text.empty() && !startsWithSlash(text))
-    {
-        text = join({base.empty() ? current : base, false}, path).text;
-    }
-    std::vector<std::string> parts = split(text);
-    while (rewrite(parts))
-    {
-    }
-    bool const hasRoot = startsWithSlash(text);
-    if (hasRoot && !parts.empty() && parts.front() == "..")
-    {
-        return std::nullopt;
-    }
-    std::string result = hasRoot ? "/" : "";
-    for (std::size_t i = 0; i < parts.size(); ++i)
-    {
-        result += (i == 0 ? "" : "/") + parts[i];
-    }
-    return Path{result, makeAbsolute || startsWithSlash(result)};
-}
-
-} // namespace model
 
 /// All strings of the alphabet up to a length, the shorter ones first.
 std::vector<std::string> allStrings(std::string const& alphabet, std::size_t maxLength)
@@ -273,9 +181,32 @@ std::vector<std::string> allStrings(std::string const& alphabet, std::size_t max
     return strings;
 }
 
+/// The same question to the paths and to their model.
+void compareNormalization(std::string const& text, std::string const& base, bool makeAbsolute,
+                          std::wstring const& currentFolder)
+{
+    auto const expected = modelOf(text).normalized(makeAbsolute, modelOf(base), currentFolder);
+    std::optional<CPath> found;
+    try
+    {
+        found = CPath(String(text)).toNormalized(makeAbsolute, CPath(String(base)));
+    }
+    catch (zel::CBadPathError const& e)
+    {
+        ASSERT_EQ(e.what(), "Invalid path: " + text);
+    }
+    ASSERT_EQ(found.has_value(), expected.has_value()) << text << " on " << base;
+    if (found)
+    {
+        ASSERT_EQ(found->getText().ToStdWstring(), expected->text) << text << " on " << base;
+        ASSERT_EQ(found->isNormalized(), expected->isNormalized) << text << " on " << base;
+    }
+}
+
 TEST(TPathImplModel, normalizesAsTheModelDoes)
 {
     test::CTempWorkDirectory const folder;
+    std::wstring const currentFolder = folder.getPath().wstring();
     std::vector<std::string> const texts = allStrings("/.a", 8);
     std::vector<std::string> const bases = {"",   "/",   ".",   "..",    "b",
                                             "/b", "b/c", "/b/", "../b/", "/b/../c//"};
@@ -286,25 +217,8 @@ TEST(TPathImplModel, normalizesAsTheModelDoes)
         {
             for (bool const makeAbsolute : {false, true})
             {
-                auto const expected =
-                    model::normalize({text, false}, makeAbsolute, base, folder.getPath().string());
-                std::optional<model::Path> found;
-                try
-                {
-                    CPath const path =
-                        CPath(String(text)).toNormalized(makeAbsolute, CPath(String(base)));
-                    found = model::Path{textOf(path), path.isNormalized()};
-                }
-                catch (zel::CBadPathError const& e)
-                {
-                    ASSERT_EQ(e.what(), "Invalid path: " + text);
-                }
-                ASSERT_EQ(found.has_value(), expected.has_value()) << text << " on " << base;
-                if (found)
-                {
-                    ASSERT_EQ(found->text, expected->text) << text << " on " << base;
-                    ASSERT_EQ(found->isNormalized, expected->isNormalized) << text;
-                }
+                ASSERT_NO_FATAL_FAILURE(
+                    compareNormalization(text, base, makeAbsolute, currentFolder));
                 ++count;
             }
         }
@@ -321,17 +235,18 @@ TEST(TPathImplModel, joinsAsTheModelDoes)
         CPath const plain{String(leftText)};
         for (bool const isNormalized : {false, true})
         {
-            if (isNormalized && !model::normalize({leftText, false}, true, "/b", ""))
+            if (isNormalized && !modelOf(leftText).normalized(true, modelOf("/b"), L""))
             {
                 continue;
             }
             CPath const left = isNormalized ? plain.toNormalized(true, "/b") : plain;
+            PathModel const leftModel = {left.getText().ToStdWstring(), isNormalized};
             for (std::string const& right : texts)
             {
-                model::Path const expected =
-                    model::join({textOf(left), isNormalized}, {right, false});
+                PathModel const expected = leftModel.joined(modelOf(right));
                 CPath const found = left << CPath(String(right));
-                ASSERT_EQ(textOf(found), expected.text) << leftText << " << " << right;
+                ASSERT_EQ(found.getText().ToStdWstring(), expected.text)
+                    << leftText << " << " << right;
                 ASSERT_EQ(found.isNormalized(), expected.isNormalized)
                     << leftText << " << " << right;
                 ++count;
