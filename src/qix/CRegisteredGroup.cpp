@@ -7,6 +7,23 @@
 namespace qix::detail
 {
 
+namespace
+{
+
+class CFlagWhileAlive
+{
+public:
+    explicit CFlagWhileAlive(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
+    ~CFlagWhileAlive() { m_flag = false; }
+    CFlagWhileAlive(CFlagWhileAlive const&) = delete;
+    CFlagWhileAlive& operator=(CFlagWhileAlive const&) = delete;
+
+private:
+    bool& m_flag;
+};
+
+} // namespace
+
 CRegisteredGroup::CRegisteredGroup(CRegisteredGroup* parent, std::string const& path,
                                    Place const& place)
     : CTestItemGroup(path.substr(path.rfind('.') + 1)),
@@ -46,9 +63,11 @@ void CRegisteredGroup::getSubItems(std::vector<zel::P<ITestItem>>& out)
     CTestItemGroup::getSubItems(out);
 }
 
+/// A child that cannot be made stays pending.
 void CRegisteredGroup::makePendingChildren()
 {
-    if (m_madeCount == m_registered.size())
+    // The making of a child may ask for its siblings, and gets those in front of it.
+    if (m_isMaking || m_madeCount == m_registered.size())
     {
         return;
     }
@@ -57,26 +76,12 @@ void CRegisteredGroup::makePendingChildren()
     {
         m_subItems.reserve(m_registered.size());
     }
-    while (m_madeCount < m_registered.size())
+    CFlagWhileAlive const making(m_isMaking);
+    for (; m_madeCount < m_registered.size(); ++m_madeCount)
     {
-        makeNextChild();
-    }
-}
-
-/// A child that cannot be made stays pending.
-void CRegisteredGroup::makeNextChild()
-{
-    // Counted before, since making a child may ask this group for its children again.
-    std::size_t const number = m_madeCount++;
-    try
-    {
-        m_subItems.push_back(std::visit(
-            [](auto const& child) { return CRegistry::makeItem(child); }, m_registered[number]));
-    }
-    catch (...)
-    {
-        m_madeCount = number;
-        throw;
+        m_subItems.push_back(std::visit([](auto const& child)
+                                        { return CRegistry::makeItem(child); },
+                                        m_registered[m_madeCount]));
     }
 }
 

@@ -54,13 +54,13 @@ public:
 private:
     void noteInteractiveTest() noexcept;
     void makePendingChildren();
-    void makeNextChild();
 
     CRegisteredGroup* m_parent;
     std::string m_path;
     Place m_place;
     std::deque<Child> m_registered;
     std::size_t m_madeCount = 0; ///< how many of the registered children are made
+    bool m_isMaking = false;
     bool m_containsInteractive = false;
 };
 

@@ -5,6 +5,7 @@
 #include "CRegisteredGroup.h"
 #include "RegisteredTest.h"
 
+#include <atomic>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -54,7 +55,10 @@ private:
     zel::P<CTestItemGroup> m_root;
     std::map<std::string, zel::P<CRegisteredGroup>> m_groups; ///< by path
     std::size_t m_testCount = 0;
-    std::size_t m_acceptedCount = 0; ///< how many tests there were when nothing was refused
+
+    /// How many tests there were when nothing was refused. Atomic, since the groups that ask may
+    /// belong to different threads.
+    std::atomic<std::size_t> m_acceptedCount{0};
 
     // Tests of one group stand together, mostly.
     std::string_view m_lastText;

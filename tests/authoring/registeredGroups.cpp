@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <string>
+#include <thread>
 #include <vector>
 
 QIX_TEST(registered, first)
@@ -23,15 +26,128 @@ QIX_TEST(registered, third)
 namespace
 {
 
+using Items = std::vector<zel::P<qix::ITestItem>>;
+
+Items childrenOf(qix::ITestItem& group)
+{
+    Items children;
+    group.getSubItems(children);
+    return children;
+}
+
+std::vector<std::string> namesOfChildren(qix::ITestItem& group)
+{
+    std::vector<std::string> names;
+    for (zel::P<qix::ITestItem> const& child : childrenOf(group))
+    {
+        names.push_back(child->getName());
+    }
+    return names;
+}
+
+/// A child of the root. Throws when there is none of that name.
+zel::P<qix::ITestItem> groupNamed(std::string const& name)
+{
+    for (zel::P<qix::ITestItem> const& group : childrenOf(*qix::CTestItemGroup::global()))
+    {
+        if (group->getName() == name)
+        {
+            return group;
+        }
+    }
+    throw std::invalid_argument(name);
+}
+
+/// Asks the group that it lies in for its children while it is constructed.
+class CCurious : public qix::CTestItem
+{
+public:
+    CCurious() : m_siblings(namesOfChildren(*groupNamed("curious"))) {}
+
+    std::vector<std::string> const& getSiblings() const noexcept { return m_siblings; }
+
+private:
+    std::vector<std::string> const m_siblings;
+};
+
+void registerLate(char const* group, char const* name, qix::detail::Attributes attributes = {})
+{
+    qix::detail::CRegistration(
+        __FILE__, __LINE__, group, name, +[] {}, attributes);
+}
+
+} // namespace
+
+QIX_TEST(curious, first)
+{
+}
+
+QIX_TEST_F(CCurious, curious, second)
+{
+}
+
+QIX_TEST(curious, third)
+{
+}
+
+QIX_TEST(late, first)
+{
+}
+
+QIX_TEST(ofOneThread, first)
+{
+}
+
+QIX_TEST(ofAnotherThread, first)
+{
+}
+
+namespace
+{
+
 TEST(RegisteredGroups, makeTheirChildrenWhenTheyAreRunUnasked)
 {
-    std::vector<zel::P<qix::ITestItem>> groups;
-    qix::CTestItemGroup::global()->getSubItems(groups);
-    ASSERT_EQ(groups.size(), 1U);
-
     test::CNotingRunner runner;
-    groups[0]->run(&runner);
+    groupNamed("registered")->run(&runner);
     EXPECT_THAT(runner.m_names, testing::ElementsAre("first", "inner", "third"));
+}
+
+TEST(RegisteredGroups, keepTheOrderWhenATestAsksForItsSiblings)
+{
+    Items const children = childrenOf(*groupNamed("curious"));
+    ASSERT_EQ(children.size(), 3U);
+    EXPECT_EQ(children[0]->getName(), "first");
+    EXPECT_EQ(children[2]->getName(), "third");
+    auto const* const second = dynamic_cast<CCurious const*>(children[1].get());
+    ASSERT_NE(second, nullptr);
+    EXPECT_THAT(second->getSiblings(), testing::ElementsAre("first"));
+}
+
+TEST(RegisteredGroups, takeWhatIsRegisteredAfterTheyWereAsked)
+{
+    zel::P<qix::ITestItem> const group = groupNamed("late");
+    EXPECT_THAT(namesOfChildren(*group), testing::ElementsAre("first"));
+    EXPECT_FALSE(group->containsAnyInteractive());
+
+    registerLate("late.inner", "deep", qix::attributes::Interactive);
+    registerLate("late", "second");
+    registerLate("later", "first");
+    EXPECT_TRUE(group->containsAnyInteractive());
+    EXPECT_THAT(namesOfChildren(*group), testing::ElementsAre("first", "inner", "second"));
+    EXPECT_THAT(namesOfChildren(*groupNamed("later")), testing::ElementsAre("first"));
+}
+
+TEST(RegisteredGroups, mayBelongToDifferentThreads)
+{
+    zel::P<qix::ITestItem> const groups[] = {groupNamed("ofOneThread"),
+                                             groupNamed("ofAnotherThread")};
+    registerLate("ofOneThread", "second");
+    registerLate("ofAnotherThread", "second");
+    std::vector<std::string> names;
+    std::thread thread([&] { names = namesOfChildren(*groups[0]); });
+    EXPECT_THAT(namesOfChildren(*groups[1]), testing::ElementsAre("first", "second"));
+    thread.join();
+    EXPECT_THAT(names, testing::ElementsAre("first", "second"));
 }
 
 } // namespace
