@@ -15,8 +15,9 @@ namespace qix
 namespace
 {
 
-/// Guards the chain of all runs and what they have noted. Both outlive every thread.
-std::mutex runsMutex;
+/// Guards the chain of all runs and what they have noted. Both outlive every thread. Recursive,
+/// since a test may check something where it records a line.
+std::recursive_mutex runsMutex;
 CTestRun* innermostOfProcess = nullptr;
 thread_local CTestRun* innermostOfThread = nullptr;
 
@@ -45,7 +46,7 @@ void CRequirementFailedException::throwClone() const
 CTestRun::CTestRun(ITestItem& item, ITestRunner* runner) noexcept
     : m_item(item), m_runner(runner), m_outerOfThread(innermostOfThread)
 {
-    std::lock_guard<std::mutex> const lock(runsMutex);
+    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
     m_outerOfProcess = innermostOfProcess;
     innermostOfProcess = this;
     innermostOfThread = this;
@@ -62,7 +63,7 @@ void CTestRun::leave() noexcept
     {
         return;
     }
-    std::lock_guard<std::mutex> const lock(runsMutex);
+    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
     m_isCurrent = false;
     innermostOfThread = m_outerOfThread;
     // Runs of other threads may have come and stayed since.
@@ -86,7 +87,7 @@ CTestRun* CTestRun::current() noexcept
 
 bool CTestRun::noteInCurrent(std::string const& failure)
 {
-    std::lock_guard<std::mutex> const lock(runsMutex);
+    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
     CTestRun* const run = current();
     if (run == nullptr)
     {
@@ -98,7 +99,7 @@ bool CTestRun::noteInCurrent(std::string const& failure)
 
 bool CTestRun::logInCurrent(zel::String const& line)
 {
-    std::lock_guard<std::mutex> const lock(runsMutex);
+    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
     CTestRun* const run = current();
     if (run == nullptr)
     {
@@ -110,7 +111,7 @@ bool CTestRun::logInCurrent(zel::String const& line)
 
 void CTestRun::note(std::string const& failure)
 {
-    std::lock_guard<std::mutex> const lock(runsMutex);
+    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
     noteUnlocked(failure);
 }
 

@@ -448,6 +448,30 @@ TEST(Checks, stepThatThrowsSomethingStrangeIsNamed)
     EXPECT_EQ(messageOf([] { CThrowingSetUp().run(nullptr); }), "setUp threw int");
 }
 
+/// A test whose own way of recording a line checks it.
+class CCheckingLog : public qix::CTestItem
+{
+public:
+    CCheckingLog() : CTestItem("test") {}
+
+    void log(zel::String const& line) override
+    {
+        CTestItem::log(line);
+        QIX_CHECK(line.length() < 3);
+    }
+
+protected:
+    void body() override { qix::log("long"); }
+};
+
+TEST(Checks, mayFailWhereALineIsRecorded)
+{
+    CCheckingLog item;
+    EXPECT_EQ(withoutPlaces(messageOf([&item] { item.run(nullptr); })),
+              "QIX_CHECK(line.length() < 3) failed\n    with 4 < 3");
+    EXPECT_EQ(item.getLog(), std::vector<zel::String>{"long"});
+}
+
 TEST(Checks, outsideATestNothingIsLost)
 {
     EXPECT_EQ(messageOf([] { qix::log("line"); }), "log() was called while no test is running");
