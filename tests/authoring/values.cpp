@@ -8,6 +8,7 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
@@ -148,6 +149,25 @@ TEST(Values, pointers)
     EXPECT_EQ(shown(std::shared_ptr<int>()), "nullptr");
     EXPECT_EQ(shown(zel::P<qix::ITestItem>()), "nullptr");
     EXPECT_NE(shown(&shown<int>), "nullptr");
+}
+
+TEST(Values, volatileOnes)
+{
+    std::sig_atomic_t volatile signalled = 7;
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(signalled == 8); }), "with 7 == 8");
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(8U == signalled); }), "with 8 == 7");
+
+    bool volatile isReady = false;
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(isReady); }), "(none)");
+    double volatile amount = 0.5;
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(amount == qix::approx(1)); }),
+              "with 0.5 == approx(1, relative 1e-06)");
+
+    // Text that others may be writing is not read.
+    char volatile* const text = nullptr;
+    wchar_t volatile* const wideText = nullptr;
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(text != nullptr); }), "with nullptr != nullptr");
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(wideText != nullptr); }), "with nullptr != nullptr");
 }
 
 TEST(Values, containers)

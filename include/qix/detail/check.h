@@ -20,8 +20,16 @@ namespace qix::detail
 /// Something that can be described later, and which it does not own.
 struct ValueRef
 {
+    using Describe = void(CValueWriter& out, void const* object);
+
+    /// \param o  may be volatile: \p d knows its type
+    ValueRef(void const volatile* o, Describe* d) noexcept
+        : object(const_cast<void const*>(o)), describe(d)
+    {
+    }
+
     void const* object;
-    void (*describe)(CValueWriter& out, void const* object);
+    Describe* describe;
 };
 
 /// \tparam withAddress  text is compared by its address, which tells why equal text differs
@@ -102,7 +110,7 @@ constexpr bool haveDifferentSigns =
 
 template <typename T>
 constexpr bool isTextPointer =
-    std::is_pointer_v<T>&& std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, char>;
+    std::is_pointer_v<T>&& std::is_same_v<std::remove_const_t<std::remove_pointer_t<T>>, char>;
 
 /// Which way a comparison goes; NULL and 0 are no null pointers any more once they are operands.
 template <typename L, typename R>
@@ -256,9 +264,9 @@ public:
 
     explicit operator bool() const
     {
-        using Value = std::remove_cv_t<std::remove_reference_t<T>>;
+        using Value = std::remove_const_t<std::remove_reference_t<T>>;
         bool const holds = static_cast<bool>(m_value);
-        if (!std::is_same_v<Value, bool> && !holds)
+        if (!std::is_same_v<std::remove_cv_t<Value>, bool> && !holds)
         {
             keepValue({std::addressof(m_value), &describeValue<Value>});
         }

@@ -172,11 +172,11 @@ void describeAddress(CValueWriter& out, T* value)
 template <typename T>
 void describePointer(CValueWriter& out, T* value)
 {
-    if constexpr (std::is_same_v<std::remove_cv_t<T>, char>)
+    if constexpr (std::is_same_v<std::remove_const_t<T>, char>)
     {
         value == nullptr ? out.address(value) : out.quoted(std::string_view(value));
     }
-    else if constexpr (std::is_same_v<std::remove_cv_t<T>, wchar_t>)
+    else if constexpr (std::is_same_v<std::remove_const_t<T>, wchar_t>)
     {
         value == nullptr ? out.address(value) : out.quoted(std::wstring_view(value));
     }
