@@ -97,7 +97,8 @@ public:
     /// is accepted. At the end of the input it goes on with empty lines, which are refused.
     void doMenu();
 
-    /// Applies one selection line. What a refused line selects stays selected.
+    /// Applies one selection line. What a refused line selects stays selected; a range that is
+    /// refused toggles those of its items that exist.
     /// \return true when the line was accepted
     /// Throws std::out_of_range for a range such as 12ab-x.
     bool handleSelectionInput(std::string const& line);

@@ -14,6 +14,7 @@ class QIX_EXPORT ITestItemFactory : public virtual zel::IBase
 public:
     /// The item that this factory stands for. A group calls it once and drops the factory; after
     /// an exception it keeps the factory and calls it again with the next use of its children.
+    /// Null is reported by runners as an item that has failed.
     virtual zel::P<ITestItem> createTestItem() = 0;
 };
 
