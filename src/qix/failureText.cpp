@@ -22,12 +22,6 @@ std::string nameOfType(std::type_info const& type)
     return name == nullptr ? type.name() : name.get();
 }
 
-std::string nameOfCurrentExceptionType()
-{
-    std::type_info const* const type = abi::__cxa_current_exception_type();
-    return type == nullptr ? "an exception of another language" : nameOfType(*type);
-}
-
 } // namespace
 
 std::string placeText(char const* file, int line)
@@ -37,7 +31,12 @@ std::string placeText(char const* file, int line)
 
 std::string currentExceptionText()
 {
-    std::string type = nameOfCurrentExceptionType();
+    // One of another language has no type here, and throwing it again would end the process.
+    if (std::current_exception() == nullptr)
+    {
+        return "an exception of another language";
+    }
+    std::string const type = nameOfType(*abi::__cxa_current_exception_type());
     try
     {
         throw;

@@ -123,9 +123,10 @@ private:
     CFileDescriptor open(std::string const& name)
     {
         CFileDescriptor folder(openFolder(current(), name));
-        if (!folder.isOpen() && errno == EACCES &&
-            fchmodat(current(), name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) == 0)
+        if (!folder.isOpen() && errno == EACCES)
         {
+            // Where this fails too, opening the folder once more tells why.
+            static_cast<void>(fchmodat(current(), name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW));
             folder = CFileDescriptor(openFolder(current(), name));
         }
         if (!folder.isOpen() && (errno == ENOTDIR || errno == ELOOP))

@@ -10,7 +10,8 @@ A case is a file cases/NAME.json:
         args       the arguments
         env        variables; null removes one. By default LC_ALL is C.UTF-8 and QIX_TESTWORKDIR
                    is "work", and nothing else is set. "\\udcNN" stands for the byte NN.
-        stdin      "/dev/null" (the default), "closed", "empty file", "ended pipe", or {"text": ...},
+        stdin      "/dev/null" (the default), "closed", "empty file", "output file", "ended pipe",
+                   or {"text": ...},
                    which is what comes out of a pipe whose writer is gone
         dialogue   instead of stdin: pairs of a text to wait for on standard output and a line to
                    answer with
@@ -98,6 +99,8 @@ class Run:
             return subprocess.DEVNULL
         if kind == "empty file":
             return os.open(self.folder, os.O_TMPFILE | os.O_RDWR)
+        if kind == "output file":
+            return os.open(self.folder, os.O_TMPFILE | os.O_WRONLY)
         reader, writer = os.pipe()
         os.write(writer, b"" if kind == "ended pipe" else kind["text"].encode())
         os.close(writer)

@@ -1,11 +1,15 @@
+#include "CNotingRunner.h"
 #include "allocations.h"
 #include "bodyTest.h"
 
+#include <qix/CTestFailedException.h>
+#include <qix/CTestSkippedException.h>
 #include <zel/CError.h>
 #include <zel/String.h>
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <limits>
 #include <memory>
 #include <new>
@@ -13,6 +17,9 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <pthread.h>
+#include <unwind.h>
 
 namespace
 {
@@ -53,6 +60,20 @@ int pairSize()
 void helper(int value)
 {
     QIX_CHECK(value == 1);
+}
+
+template <typename Work>
+std::string messageOf(Work const& work)
+{
+    try
+    {
+        work();
+    }
+    catch (zel::CError const& e)
+    {
+        return withoutPlaces(e.what());
+    }
+    return "nothing was thrown";
 }
 
 TEST(Checks, passingOnesTellNothing)
@@ -161,6 +182,7 @@ TEST(Checks, integersAreComparedByTheirValues)
     EXPECT_EQ(run([&] { QIX_CHECK(-1 < highest); }), "ok");
     EXPECT_EQ(run([&] { QIX_CHECK(highest > -1); }), "ok");
     EXPECT_EQ(run([&] { QIX_CHECK(highest != -1); }), "ok");
+    EXPECT_EQ(run([&] { QIX_CHECK(3 == three.size()); }), "ok");
 }
 
 TEST(Checks, operandsOfAllKinds)
@@ -329,6 +351,72 @@ TEST(Checks, requirementsOnThreadsAreThrownThere)
     EXPECT_EQ(withoutPlaces(text), "QIX_REQUIRE(1 == 2) failed\n    with 1 == 2");
 }
 
+TEST(Checks, ofTestsOnTwoThreadsBelongToTheirOwn)
+{
+    std::promise<void> firstRuns;
+    std::promise<void> secondRuns;
+    std::promise<void> firstHasEnded;
+    std::string first;
+    std::thread other(
+        [&]
+        {
+            first = run(
+                [&]
+                {
+                    firstRuns.set_value();
+                    secondRuns.get_future().wait();
+                    QIX_CHECK(1 == 2);
+                });
+            firstHasEnded.set_value();
+        });
+    firstRuns.get_future().wait();
+    std::string const second = run(
+        [&]
+        {
+            secondRuns.set_value();
+            firstHasEnded.get_future().wait();
+            QIX_CHECK(3 == 4);
+        });
+    other.join();
+    EXPECT_EQ(withoutPlaces(first), "QIX_CHECK(1 == 2) failed\n    with 1 == 2");
+    EXPECT_EQ(withoutPlaces(second), "QIX_CHECK(3 == 4) failed\n    with 3 == 4");
+}
+
+TEST(Checks, aTestCanEndItsThread)
+{
+    pthread_t thread = {};
+    char reached = 0;
+    auto const endInTheBody = [](void* result) -> void*
+    {
+        run([result] { pthread_exit(result); });
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, nullptr, endInTheBody, &reached), 0);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, &reached);
+    EXPECT_EQ(messageOf([] { qix::log("line"); }), "log() was called while no test is running");
+}
+
+TEST(Checks, requirementsCanBeKeptAsErrors)
+{
+    zel::P<zel::CError> kept;
+    std::string const text = run(
+        [&kept]
+        {
+            try
+            {
+                QIX_REQUIRE(1 == 2);
+            }
+            catch (zel::CError const& e)
+            {
+                kept = e.clone();
+            }
+        });
+    EXPECT_EQ(kept->what(), text);
+    EXPECT_THROW(kept->throwClone(), qix::CTestFailedException);
+}
+
 TEST(Checks, outsideOfTestsFailuresAreThrown)
 {
     QIX_CHECK(1 == 1);
@@ -407,20 +495,6 @@ TEST(Approx, isShownWithItsTolerance)
               "with 1.5 == approx(1, absolute 0.25)");
 }
 
-template <typename Work>
-std::string messageOf(Work const& work)
-{
-    try
-    {
-        work();
-    }
-    catch (zel::CError const& e)
-    {
-        return withoutPlaces(e.what());
-    }
-    return "nothing was thrown";
-}
-
 /// A test that cannot clean up before it begins, and throws what is no std::exception.
 class CThrowingClean : public qix::CTestItem
 {
@@ -470,6 +544,54 @@ TEST(Checks, mayFailWhereALineIsRecorded)
     EXPECT_EQ(withoutPlaces(messageOf([&item] { item.run(nullptr); })),
               "QIX_CHECK(line.length() < 3) failed\n    with 4 < 3");
     EXPECT_EQ(item.getLog(), std::vector<zel::String>{"long"});
+}
+
+class CSkippedAndAborted : public qix::CTestItem
+{
+public:
+    CSkippedAndAborted() : CTestItem("test") {}
+
+protected:
+    void body() override { QIX_SKIP(); }
+    void tearDown() override { QIX_ABORT("behind the skip"); }
+};
+
+TEST(Checks, firstOfTwoOutcomesCounts)
+{
+    CSkippedAndAborted test;
+    EXPECT_THROW(test.run(nullptr), qix::CTestSkippedException);
+    EXPECT_EQ(test.getLog(), std::vector<zel::String>{"Aborted: behind the skip"});
+}
+
+TEST(Checks, aSubTestThatTheRunnerRefusesIsNotRun)
+{
+    test::CNotingRunner runner;
+    test::CBodyTest test([] { qix::subTest("part", [] { ADD_FAILURE() << "was run"; }); });
+    EXPECT_NO_THROW(test.run(&runner));
+}
+
+TEST(Checks, failuresWithoutAPlaceAreTheirMessage)
+{
+    EXPECT_EQ(run([] { qix::noteFailure(nullptr, 0, "bad"); }), "bad");
+}
+
+void forgetForeignException(_Unwind_Reason_Code /*reason*/, _Unwind_Exception* exception)
+{
+    delete exception;
+}
+
+/// Throws what another language might.
+void throwForeignException()
+{
+    auto exception = std::make_unique<_Unwind_Exception>();
+    exception->exception_class = 0x666f726569676eU;
+    exception->exception_cleanup = &forgetForeignException;
+    _Unwind_RaiseException(exception.release());
+}
+
+TEST(Checks, exceptionsOfOtherLanguagesAreFailures)
+{
+    EXPECT_EQ(run(&throwForeignException), "the body threw an exception of another language");
 }
 
 TEST(Checks, outsideATestNothingIsLost)

@@ -1,6 +1,7 @@
 #include <qix/CTestItemGroup.h>
 #include <qix/test.h>
 
+#include "CFunctionTestItem.h"
 #include "CNotingRunner.h"
 
 #include <gmock/gmock.h>
@@ -10,6 +11,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <pthread.h>
 
 QIX_TEST(registered, first)
 {
@@ -70,6 +73,21 @@ private:
     std::vector<std::string> const m_siblings;
 };
 
+/// Ends the thread that constructs the first of them.
+class CEndingThread : public qix::CTestItem
+{
+public:
+    CEndingThread()
+    {
+        static bool isFirst = true;
+        if (isFirst)
+        {
+            isFirst = false;
+            pthread_exit(nullptr);
+        }
+    }
+};
+
 void registerLate(char const* group, char const* name, qix::detail::Attributes attributes = {})
 {
     qix::detail::CRegistration(
@@ -87,6 +105,10 @@ QIX_TEST_F(CCurious, curious, second)
 }
 
 QIX_TEST(curious, third)
+{
+}
+
+QIX_TEST_F(CEndingThread, ending, test)
 {
 }
 
@@ -135,6 +157,32 @@ TEST(RegisteredGroups, takeWhatIsRegisteredAfterTheyWereAsked)
     EXPECT_TRUE(group->containsAnyInteractive());
     EXPECT_THAT(namesOfChildren(*group), testing::ElementsAre("first", "inner", "second"));
     EXPECT_THAT(namesOfChildren(*groupNamed("later")), testing::ElementsAre("first"));
+}
+
+TEST(RegisteredGroups, keepAChildThatCouldNotBeMade)
+{
+    zel::P<qix::ITestItem> const group = groupNamed("ending");
+    pthread_t thread = {};
+    auto const askForChildren = [](void* asked) -> void*
+    {
+        childrenOf(*static_cast<qix::ITestItem*>(asked));
+        return asked;
+    };
+    ASSERT_EQ(pthread_create(&thread, nullptr, askForChildren, group.get()), 0);
+    void* result = group.get();
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, nullptr);
+    EXPECT_THAT(namesOfChildren(*group), testing::ElementsAre("test"));
+}
+
+TEST(RegisteredGroups, knowOfInteractiveItemsThatAreAddedByHand)
+{
+    zel::P<qix::ITestItem> const group = groupNamed("registered");
+    EXPECT_FALSE(group->containsAnyInteractive());
+    auto const item = zel::newObj<test::CFunctionTestItem>("asks");
+    item->m_interactive = true;
+    dynamic_cast<qix::CTestItemGroup&>(*group).addSubItem(item);
+    EXPECT_TRUE(group->containsAnyInteractive());
 }
 
 TEST(RegisteredGroups, mayBelongToDifferentThreads)

@@ -1,17 +1,21 @@
 #include <qix/secret.h>
 #include <zel/CError.h>
 
+#include "CChildProcess.h"
 #include "COutputCapture.h"
 #include "CScopedEnvVar.h"
 #include "CTempWorkDirectory.h"
 #include "errorOf.h"
+#include "isSanitized.h"
 #include "passesAsOrdinaryUser.h"
 
+#include <wx/debug.h>
 #include <wx/log.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -23,6 +27,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -359,7 +364,7 @@ TEST_F(secretTest, devicesAndFilesOfTheKernelAreEmpty)
 class CCountingLog : public wxLog
 {
 public:
-    int m_count = 0;
+    std::atomic<int> m_count{0};
 
 protected:
     void DoLogRecord(wxLogLevel, wxString const&, wxLogRecordInfo const&) override { ++m_count; }
@@ -375,6 +380,121 @@ TEST_F(secretTest, messagesOfOthersGoWhereTheyWentBefore)
     wxLogError("after");
     EXPECT_EQ(log.m_count, 1);
     wxLog::SetActiveTarget(old);
+}
+
+std::atomic<int> countedAssertions{0};
+
+void countAssertion(wxString const&, int, wxString const&, wxString const&, wxString const&)
+{
+    ++countedAssertions;
+}
+
+/// Logs and asserts on a thread of its own while it lives.
+class CTalker
+{
+public:
+    CTalker()
+    {
+        while (m_count == 0)
+        {
+            std::this_thread::yield();
+        }
+    }
+
+    int stop()
+    {
+        m_isStopped = true;
+        m_thread.join();
+        return m_count;
+    }
+
+private:
+    void talk()
+    {
+        while (!m_isStopped)
+        {
+            wxLogError("talk");
+            wxFAIL_MSG("talk");
+            ++m_count;
+        }
+    }
+
+    std::atomic<bool> m_isStopped{false};
+    std::atomic<int> m_count{0};
+    std::thread m_thread{&CTalker::talk, this};
+};
+
+/// So many lines that much is said by others while it is read.
+std::string manyLines()
+{
+    std::string text = "[a]\nkey=hunter2\n";
+    for (int i = 0; i < 5000; ++i)
+    {
+        text += "key" + std::to_string(i) + "=hunter2\n";
+    }
+    return text;
+}
+
+TEST_F(secretTest, messagesOfOtherThreadsGoWhereTheyWentBefore)
+{
+    CCountingLog log;
+    wxLog* const oldLog = wxLog::SetActiveTarget(&log);
+    wxAssertHandler_t const oldHandler = wxSetAssertHandler(&countAssertion);
+    writeSecrets(manyLines());
+    CTalker talker;
+    for (int i = 0; i < 10; ++i)
+    {
+        EXPECT_EQ(lookUp().warning, "");
+    }
+    int const said = talker.stop();
+    EXPECT_EQ(log.m_count, said);
+    EXPECT_EQ(countedAssertions, said);
+    wxSetAssertHandler(oldHandler);
+    wxLog::SetActiveTarget(oldLog);
+}
+
+TEST_F(secretTest, messagesOfOtherThreadsGoToStandardErrorWithoutATarget)
+{
+    wxLog* const oldLog = wxLog::SetActiveTarget(nullptr);
+    wxAssertHandler_t const oldHandler = wxSetAssertHandler(nullptr);
+    writeSecrets(manyLines());
+    testing::internal::CaptureStderr();
+    CTalker talker;
+    for (int i = 0; i < 10; ++i)
+    {
+        EXPECT_EQ(getTestSecret("a", "key"), secret);
+    }
+    auto const said = static_cast<std::size_t>(talker.stop());
+    std::string const heard = testing::internal::GetCapturedStderr();
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = heard.find("talk\n", at)) != std::string::npos; ++at)
+    {
+        ++count;
+    }
+    EXPECT_EQ(count, said);
+    EXPECT_THAT(heard, Not(HasSubstr(secret)));
+    wxSetAssertHandler(oldHandler);
+    delete wxLog::SetActiveTarget(oldLog);
+}
+
+TEST_F(secretTest, aFileThatIsTooLargeForTheMemoryIsAnError)
+{
+    if (test::isSanitized)
+    {
+        GTEST_SKIP() << "sanitizers take all addresses";
+    }
+    writeSecrets("[a]\nkey=hunter2\n");
+    ASSERT_EQ(truncate("secrets", std::int64_t{1} << 30), 0);
+    test::CChildProcess child(
+        []
+        {
+            rlimit const little = {std::size_t{256} << 20, std::size_t{256} << 20};
+            setrlimit(RLIMIT_AS, &little);
+            EXPECT_EQ(lookUp().error, "Unable to read the test secrets file 'secrets': it is too "
+                                      "large for the memory.");
+            return testing::Test::HasFailure() ? 1 : 0;
+        });
+    EXPECT_EQ(child.waitForExit(), 0);
 }
 
 TEST_F(secretTest, severalThreadsMayAskAtOnce)
