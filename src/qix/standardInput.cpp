@@ -17,8 +17,7 @@ dev_t const nullDevice = makedev(1, 3);
 
 bool isReadable()
 {
-    int const flags = fcntl(STDIN_FILENO, F_GETFL);
-    return flags != -1 && (flags & O_ACCMODE) != O_WRONLY;
+    return (fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) != O_WRONLY;
 }
 
 bool isAtEndOfFile(struct stat const& file)
@@ -29,8 +28,7 @@ bool isAtEndOfFile(struct stat const& file)
 bool hasPipeEnded()
 {
     pollfd input = {STDIN_FILENO, POLLIN, 0};
-    return poll(&input, 1, 0) == 1 && (input.revents & POLLIN) == 0 &&
-           (input.revents & (POLLHUP | POLLERR)) != 0;
+    return poll(&input, 1, 0) == 1 && (input.revents & POLLIN) == 0;
 }
 
 bool hasConnectionEnded()

@@ -10,6 +10,7 @@
 #include "passesAsOrdinaryUser.h"
 
 #include <wx/debug.h>
+#include <wx/init.h>
 #include <wx/log.h>
 
 #include <gmock/gmock.h>
@@ -424,6 +425,17 @@ private:
     std::thread m_thread{&CTalker::talk, this};
 };
 
+/// How often the other thread's message stands in the text.
+std::size_t countTalk(std::string const& text)
+{
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find("talk\n", at)) != std::string::npos; ++at)
+    {
+        ++count;
+    }
+    return count;
+}
+
 /// So many lines that much is said by others while it is read.
 std::string manyLines()
 {
@@ -466,15 +478,50 @@ TEST_F(secretTest, messagesOfOtherThreadsGoToStandardErrorWithoutATarget)
     }
     auto const said = static_cast<std::size_t>(talker.stop());
     std::string const heard = testing::internal::GetCapturedStderr();
-    std::size_t count = 0;
-    for (std::size_t at = 0; (at = heard.find("talk\n", at)) != std::string::npos; ++at)
-    {
-        ++count;
-    }
-    EXPECT_EQ(count, said);
+    EXPECT_EQ(countTalk(heard), said);
     EXPECT_THAT(heard, Not(HasSubstr(secret)));
     wxSetAssertHandler(oldHandler);
     delete wxLog::SetActiveTarget(oldLog);
+}
+
+TEST_F(secretTest, messagesOfOtherThreadsAreNotLostWhereNoTargetIsMade)
+{
+    writeSecrets(manyLines());
+    testing::internal::CaptureStderr();
+    test::CChildProcess child(
+        []
+        {
+            wxLog::DontCreateOnDemand();
+            delete wxLog::SetActiveTarget(nullptr);
+            wxSetAssertHandler(nullptr);
+            CTalker talker;
+            for (int i = 0; i < 10; ++i)
+            {
+                getTestSecret("a", "key");
+            }
+            talker.stop();
+            return 0;
+        });
+    EXPECT_EQ(child.waitForExit(), 0);
+    EXPECT_GT(countTalk(testing::internal::GetCapturedStderr()), 0U);
+}
+
+TEST_F(secretTest, isToldToThreadsBesideTheMainOneOfWxWidgets)
+{
+    test::CChildProcess child(
+        []
+        {
+            wxInitializer const initializer;
+            std::thread(
+                []
+                {
+                    expectValueAndWarning("[a] hunter2\nkey=v\n", "v",
+                                          "line 1: there is text behind a group header");
+                })
+                .join();
+            return testing::Test::HasFailure() ? 1 : 0;
+        });
+    EXPECT_EQ(child.waitForExit(), 0);
 }
 
 TEST_F(secretTest, aFileThatIsTooLargeForTheMemoryIsAnError)
