@@ -40,7 +40,7 @@ private:
     double m_value;
     double m_relative = 1e-6;
     double m_absolute = 0;
-    bool m_isToleranceSet = false;
+    bool m_isRelativeSet = false;
 };
 
 /// The number \p value as something that others are compared with: `x == qix::approx(0.1)`.

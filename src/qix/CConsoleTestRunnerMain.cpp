@@ -51,7 +51,6 @@ zel::String readUserName()
     catch (std::exception const&)
     {
         // A user without an entry in the account database can still run tests.
-        name.clear();
     }
     return name.empty() ? zel::String("_") : name;
 }

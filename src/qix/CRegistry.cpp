@@ -4,6 +4,7 @@
 #include <zel/CError.h>
 
 #include "decodedText.h"
+#include "forcedUnwind.h"
 #include "refusals.h"
 
 #include <algorithm>
@@ -12,8 +13,6 @@
 #include <memory_resource>
 #include <mutex>
 #include <utility>
-
-#include <cxxabi.h>
 
 namespace qix::detail
 {
@@ -187,7 +186,7 @@ zel::P<ITestItem> CRegistry::makeItem(RegisteredFunction const& test)
     return zel::newObj<CFunctionTest>(test);
 }
 
-zel::P<ITestItem> CRegistry::makeItem(RegisteredFixture const& test)
+QIX_CATCHES_FORCED_UNWIND zel::P<ITestItem> CRegistry::makeItem(RegisteredFixture const& test)
 {
     try
     {

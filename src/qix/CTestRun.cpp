@@ -4,10 +4,9 @@
 #include <qix/CTestSkippedException.h>
 
 #include "failureText.h"
+#include "forcedUnwind.h"
 
 #include <mutex>
-
-#include <cxxabi.h>
 
 namespace qix
 {
@@ -124,7 +123,7 @@ void CTestRun::noteUnlocked(std::string const& failure)
     ++m_failureCount;
 }
 
-bool CTestRun::tryStep(char const* name, detail::CRowRef step)
+QIX_CATCHES_FORCED_UNWIND bool CTestRun::tryStep(char const* name, detail::CRowRef step)
 {
     try
     {

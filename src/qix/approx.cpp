@@ -25,7 +25,7 @@ CApprox& CApprox::relative(double tolerance)
 {
     refuseInvalidTolerance("CApprox::relative", tolerance);
     m_relative = tolerance;
-    m_isToleranceSet = true;
+    m_isRelativeSet = true;
     return *this;
 }
 
@@ -33,8 +33,7 @@ CApprox& CApprox::absolute(double tolerance)
 {
     refuseInvalidTolerance("CApprox::absolute", tolerance);
     m_absolute = tolerance;
-    m_relative = m_isToleranceSet ? m_relative : 0;
-    m_isToleranceSet = true;
+    m_relative = m_isRelativeSet ? m_relative : 0;
     return *this;
 }
 

@@ -483,7 +483,12 @@ TEST(Approx, specialNumbers)
     EXPECT_FALSE(nan == qix::approx(nan));
     EXPECT_TRUE(nan != qix::approx(nan));
     EXPECT_TRUE(0.0 == qix::approx(-0.0));
-    EXPECT_THROW(qix::approx(1).relative(-1), std::exception);
+    EXPECT_EQ(
+        messageOf([] { qix::approx(1).relative(-1); }),
+        "Invalid argument passed to 'CApprox::relative': the tolerance must not be negative.");
+    EXPECT_EQ(
+        messageOf([] { qix::approx(1).absolute(-1); }),
+        "Invalid argument passed to 'CApprox::absolute': the tolerance must not be negative.");
     EXPECT_THROW(qix::approx(1).absolute(nan), std::exception);
 }
 
@@ -555,6 +560,37 @@ protected:
     void body() override { QIX_SKIP(); }
     void tearDown() override { QIX_ABORT("behind the skip"); }
 };
+
+TEST(Checks, linesAreTexts)
+{
+    test::CBodyTest test([] { qix::log(zel::String(L"\u20ac")); });
+    test.run(nullptr);
+    EXPECT_EQ(test.getLog(), std::vector<zel::String>{zel::String(L"\u20ac")});
+}
+
+class CFailingAtTheEnd : public qix::CTestItem
+{
+public:
+    CFailingAtTheEnd() : CTestItem("test") {}
+
+protected:
+    void clean() override
+    {
+        if (m_isOver)
+        {
+            throw 42;
+        }
+    }
+    void body() override { m_isOver = true; }
+
+private:
+    bool m_isOver = false;
+};
+
+TEST(Checks, aCleanUpBehindTheTestCanFailIt)
+{
+    EXPECT_EQ(messageOf([] { CFailingAtTheEnd().run(nullptr); }), "clean threw int");
+}
 
 TEST(Checks, firstOfTwoOutcomesCounts)
 {

@@ -107,6 +107,7 @@ TEST(Values, characters)
     EXPECT_EQ(shown('\n'), "'\\n'");
     EXPECT_EQ(shown('\0'), "'\\x00'");
     EXPECT_EQ(shown('\xe4'), "'\\xe4'");
+    EXPECT_EQ(shown('\x80'), "'\\x80'");
     EXPECT_EQ(shown(L'a'), "'a'");
     EXPECT_EQ(shown(U'\u20ac'), "U+20AC");
 }

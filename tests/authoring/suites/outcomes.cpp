@@ -125,6 +125,7 @@ QIX_TEST(rows, endInEveryWay)
     subTest("isSkipped", [] { QIX_SKIP(); });
     subTest("isAborted", [] { QIX_ABORT("no server"); });
     subTest("throws", [] { throw std::runtime_error("boom"); });
+    subTest("throwsANumber", [] { throw 42; });
     subTest("hasRows",
             []
             {

@@ -4,6 +4,7 @@
 #include <zel/filesystem.h>
 
 #include "CBeforeCall.h"
+#include "CChildProcess.h"
 #include "CTempWorkDirectory.h"
 #include "errorOf.h"
 #include "readFile.h"
@@ -14,6 +15,9 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -222,6 +226,21 @@ TEST_F(interference, openingAFileIsRepeatedWhenItIsInterrupted)
     zel::CPosixFileInStream const file("data/file");
     EXPECT_TRUE(interrupted.hasHappened());
     EXPECT_EQ(file.getLength(), 4);
+}
+
+TEST_F(interference, anOldInterruptionIsNotTakenForOneOfTheFirstDescriptor)
+{
+    test::CChildProcess child(
+        []
+        {
+            close(STDIN_FILENO);
+            {
+                errno = EINTR;
+                zel::CPosixFileInStream const file("data/file");
+            }
+            return fcntl(STDIN_FILENO, F_GETFD) == -1 ? 0 : 1;
+        });
+    EXPECT_EQ(child.waitForExit(), 0);
 }
 
 TEST_F(interference, aFileThatTellsNothingOfItselfIsAnError)
