@@ -5,7 +5,6 @@
 #include <wx/thread.h>
 
 #include <atomic>
-#include <mutex>
 #include <new>
 
 namespace qix
@@ -165,16 +164,14 @@ std::mutex& withholderMutex()
 
 } // namespace
 
-CWithheldMessages::CWithheldMessages()
+CWithheldMessages::CWithheldMessages() : m_lock(withholderMutex())
 {
-    withholderMutex().lock();
     withholder().begin();
 }
 
 CWithheldMessages::~CWithheldMessages()
 {
     withholder().end();
-    withholderMutex().unlock();
 }
 
 std::optional<std::string> CWithheldMessages::getComplaint() const

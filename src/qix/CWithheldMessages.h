@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,9 @@ public:
 
     /// The first complaint, or nothing when there was none. It quotes nothing.
     std::optional<std::string> getComplaint() const;
+
+private:
+    std::unique_lock<std::mutex> const m_lock;
 };
 
 } // namespace qix
