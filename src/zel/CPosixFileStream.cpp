@@ -22,19 +22,11 @@ constexpr char const openOperation[] = "open the file";
 constexpr char const lengthOperation[] = "tell the length of the file";
 constexpr char const readOperation[] = "read the file";
 
-int openRetrying(std::string const& path, int flags)
-{
-    int descriptor = -1;
-    do
-    {
-        descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY);
-    } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
-
 int openFile(TPathImpl<CUnixPathTraits> const& path, int flags)
 {
-    CFileDescriptor file(openRetrying(toSystemPath(openOperation, path), flags));
+    std::string const bytes = toSystemPath(openOperation, path);
+    CFileDescriptor file(
+        static_cast<int>(TEMP_FAILURE_RETRY(open(bytes.c_str(), flags | O_CLOEXEC | O_NOCTTY))));
     struct stat status = {};
     if (!file.isOpen() || fstat(file.get(), &status) != 0)
     {
@@ -45,17 +37,6 @@ int openFile(TPathImpl<CUnixPathTraits> const& path, int flags)
         throwFileError(openOperation, path.getText(), EISDIR);
     }
     return file.release();
-}
-
-/// Reads once, as often as a signal interrupts it.
-ssize_t readRetrying(int descriptor, void* buffer, std::size_t count)
-{
-    ssize_t length = -1;
-    do
-    {
-        length = ::read(descriptor, buffer, count);
-    } while (length < 0 && errno == EINTR);
-    return length;
 }
 
 } // namespace
@@ -90,8 +71,9 @@ int CPosixFileStream::read(void* buffer, int count)
     int done = 0;
     while (done < count)
     {
-        ssize_t const length = readRetrying(m_descriptor, static_cast<char*>(buffer) + done,
-                                            static_cast<std::size_t>(count - done));
+        ssize_t const length =
+            TEMP_FAILURE_RETRY(::read(m_descriptor, static_cast<char*>(buffer) + done,
+                                      static_cast<std::size_t>(count - done)));
         if (length < 0)
         {
             throwFileError(readOperation, m_path.getText(), errno);
