@@ -17,6 +17,17 @@
          ? static_cast<void>(0)                                                                    \
          : ::qix::detail::onFailure(__FILE__, __LINE__, text))
 
+// The end of the checks of what is thrown, behind their own handlers.
+#define QIX_DETAIL_CATCH_OTHERS(whenThrown, onFailure, text)                                       \
+    catch (...)                                                                                    \
+    {                                                                                              \
+        whenThrown;                                                                                \
+    }                                                                                              \
+    if (!qixHolds)                                                                                 \
+    {                                                                                              \
+        ::qix::detail::onFailure(__FILE__, __LINE__, text);                                        \
+    }
+
 #define QIX_DETAIL_CHECK_THROWS(onFailure, text, ...)                                              \
     do                                                                                             \
     {                                                                                              \
@@ -24,16 +35,9 @@
         try                                                                                        \
         {                                                                                          \
             static_cast<void>(__VA_ARGS__);                                                        \
-        }                                                                                          \
-        catch (...)                                                                                \
-        {                                                                                          \
-            qixHolds = true;                                                                       \
-        }                                                                                          \
-        if (!qixHolds)                                                                             \
-        {                                                                                          \
             ::qix::detail::keepNothingThrown();                                                    \
-            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
         }                                                                                          \
+        QIX_DETAIL_CATCH_OTHERS(qixHolds = true, onFailure, text)                                  \
     } while (false)
 
 #define QIX_DETAIL_CHECK_THROWS_AS(onFailure, text, expression, ...)                               \
@@ -49,14 +53,7 @@
         {                                                                                          \
             qixHolds = true;                                                                       \
         }                                                                                          \
-        catch (...)                                                                                \
-        {                                                                                          \
-            ::qix::detail::keepException();                                                        \
-        }                                                                                          \
-        if (!qixHolds)                                                                             \
-        {                                                                                          \
-            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
-        }                                                                                          \
+        QIX_DETAIL_CATCH_OTHERS(::qix::detail::keepException(), onFailure, text)                   \
     } while (false)
 
 #define QIX_DETAIL_CHECK_NOTHROW(onFailure, text, ...)                                             \
@@ -68,14 +65,7 @@
             static_cast<void>(__VA_ARGS__);                                                        \
             qixHolds = true;                                                                       \
         }                                                                                          \
-        catch (...)                                                                                \
-        {                                                                                          \
-            ::qix::detail::keepException();                                                        \
-        }                                                                                          \
-        if (!qixHolds)                                                                             \
-        {                                                                                          \
-            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
-        }                                                                                          \
+        QIX_DETAIL_CATCH_OTHERS(::qix::detail::keepException(), onFailure, text)                   \
     } while (false)
 
 #define QIX_DETAIL_JOIN(prefix, suffix) QIX_DETAIL_JOIN_EXPANDED(prefix, suffix)
