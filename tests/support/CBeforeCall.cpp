@@ -18,8 +18,8 @@ namespace test
 namespace
 {
 
-std::vector<CBeforeCall*> g_expected;
-bool g_isActing = false;
+thread_local std::vector<CBeforeCall*> g_expected;
+thread_local bool g_isActing = false;
 
 bool fails(char const* function)
 {

@@ -7,10 +7,10 @@ namespace test
 {
 
 /// Lets one call of a function of the C library fail, or do something first, as other processes and
-/// broken disks do. Knows the calls of this executable and of all libraries to open(), openat(),
+/// broken disks do. Knows the calls of its own thread, wherever they stand, to open(), openat(),
 /// fstat(), fstatat(), unlinkat(), fchmodat(), fdopendir(), readdir() and mkdir().
 ///
-/// Several may live at once. All belong to one thread.
+/// Several may live at once.
 class CBeforeCall
 {
 public:
