@@ -52,20 +52,6 @@ void readFile(zel::CPosixFileInStream& file, Buffer& bytes)
     std::memset(bytes.getData() + read, 0, static_cast<std::size_t>(length - read));
 }
 
-bool startsWith(Buffer const& bytes, std::string const& start)
-{
-    auto const length = static_cast<int>(start.size());
-    return bytes.getUsed() >= length && start.compare(0, start.size(), bytes, start.size()) == 0;
-}
-
-/// The mark of UTF-32 in little-endian order starts with that of UTF-16.
-bool hasWideCharacters(Buffer const& bytes)
-{
-    using namespace std::string_literals;
-    return startsWith(bytes, "\xff\xfe"s) || startsWith(bytes, "\xfe\xff"s) ||
-           startsWith(bytes, "\0\0\xfe\xff"s);
-}
-
 /// The text ends at its first NUL anyway; a sparse file would cost much memory.
 void dropNulsAtEnd(Buffer& bytes)
 {
@@ -103,10 +89,7 @@ void readText(zel::CPath const& path, zel::CPosixFileInStream& file, Buffer& byt
     {
         readFile(file, bytes);
         dropNulsAtEnd(bytes);
-        if (hasWideCharacters(bytes))
-        {
-            fillUpToWholeCharacters(bytes);
-        }
+        fillUpToWholeCharacters(bytes);
         ensureMemoryForParsing(bytes);
     }
     catch (std::bad_alloc const&)

@@ -203,6 +203,7 @@ TEST(Values, othersOfTheStandardLibrary)
     EXPECT_EQ(shown(std::nullopt), "{}");
     EXPECT_EQ(shown(std::chrono::seconds(3)), "3 s");
     EXPECT_EQ(shown(std::chrono::milliseconds(250)), "250/1000 s");
+    EXPECT_EQ(shown(std::chrono::minutes(2)), "120 s");
     EXPECT_EQ(shown(std::filesystem::path("a/b")), "\"a/b\"");
 }
 

@@ -37,6 +37,14 @@ using OutcomeExceptions =
     testing::Types<CTestAbortedException, CTestFailedException, CTestSkippedException>;
 TYPED_TEST_SUITE(OutcomeException, OutcomeExceptions, );
 
+TYPED_TEST(OutcomeException, isAnErrorWithoutACode)
+{
+    CError const& error = this->make();
+    EXPECT_EQ(error.getCode(), -1);
+    EXPECT_TRUE(error.getSecondText().empty());
+    EXPECT_EQ(error.getCause(), nullptr);
+}
+
 TYPED_TEST(OutcomeException, cloneKeepsTheType)
 {
     TypeParam const exception = this->make();
