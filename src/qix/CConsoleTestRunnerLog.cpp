@@ -89,10 +89,10 @@ std::string CConsoleTestRunner::pad(std::string s, int width)
 
 void CConsoleTestRunner::writeReport()
 {
-    char summary[128];
-    std::snprintf(summary, sizeof(summary), "\n%d OK, %d Failed, %d Aborted, %d Skipped\n\n", m_nOk,
-                  m_nFailed, m_nAborted, m_nSkipped);
-    logNoIndent(std::string("\n") + summary);
+    std::string const summary = "\n" + std::to_string(m_nOk) + " OK, " + std::to_string(m_nFailed) +
+                                " Failed, " + std::to_string(m_nAborted) + " Aborted, " +
+                                std::to_string(m_nSkipped) + " Skipped\n\n";
+    logNoIndent("\n" + summary);
     closeLog();
     if (!m_failures.empty())
     {
@@ -102,7 +102,7 @@ void CConsoleTestRunner::writeReport()
     {
         std::printf("- %s\n  %s\n", failure.name.c_str(), failure.message.c_str());
     }
-    std::fputs(summary, stdout);
+    std::fputs(summary.c_str(), stdout);
     std::fflush(stdout);
 }
 

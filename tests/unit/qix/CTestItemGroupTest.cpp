@@ -3,6 +3,7 @@
 #include "CFunctionTestItem.h"
 #include "CNotingRunner.h"
 #include "COutputCapture.h"
+#include "errorOf.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -207,6 +208,12 @@ TEST(CTestItemGroup, refusesNull)
     COpenGroup group("");
     EXPECT_THROW(group.addFactory(nullptr), zel::CInvalidArgError);
     EXPECT_THROW(group.addSubItem(nullptr), zel::CInvalidArgError);
+    EXPECT_EQ(test::errorOf([&group] { group.addFactory(nullptr); }),
+              "Invalid argument passed to 'CTestItemGroup::addFactory': the factory must not be "
+              "null.");
+    EXPECT_EQ(
+        test::errorOf([&group] { group.addSubItem(nullptr); }),
+        "Invalid argument passed to 'CTestItemGroup::addSubItem': the item must not be null.");
     EXPECT_TRUE(group.m_factories.empty());
     EXPECT_TRUE(group.m_subItems.empty());
 }
