@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -52,6 +53,19 @@ TEST_F(RunnerLog, emptyRunHasASummaryOnly)
     EXPECT_TRUE(runner().go());
     EXPECT_EQ(log(), "\n\n0 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
     EXPECT_EQ(output(), "\n0 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
+}
+
+TEST_F(RunnerLog, isClosedBehindTheRun)
+{
+    auto const countDescriptors = []
+    {
+        using Folder = std::filesystem::directory_iterator;
+        return std::distance(Folder("/proc/self/fd"), Folder());
+    };
+    auto const before = countDescriptors();
+    runAll();
+    runAll();
+    EXPECT_EQ(countDescriptors(), before);
 }
 
 TEST_F(RunnerLog, reportIsFlushed)
