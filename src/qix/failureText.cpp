@@ -36,7 +36,7 @@ std::string currentExceptionText()
     {
         return "an exception of another language";
     }
-    std::string const type = nameOfType(*abi::__cxa_current_exception_type());
+    std::string type = nameOfType(*abi::__cxa_current_exception_type());
     try
     {
         throw;
