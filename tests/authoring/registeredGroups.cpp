@@ -112,6 +112,10 @@ QIX_TEST_F(CEndingThread, ending, test)
 {
 }
 
+QIX_TEST(mixed, first)
+{
+}
+
 QIX_TEST(late, first)
 {
 }
@@ -177,7 +181,7 @@ TEST(RegisteredGroups, keepAChildThatCouldNotBeMade)
 
 TEST(RegisteredGroups, knowOfInteractiveItemsThatAreAddedByHand)
 {
-    zel::P<qix::ITestItem> const group = groupNamed("registered");
+    zel::P<qix::ITestItem> const group = groupNamed("mixed");
     EXPECT_FALSE(group->containsAnyInteractive());
     auto const item = zel::newObj<test::CFunctionTestItem>("asks");
     item->m_interactive = true;
