@@ -1,12 +1,12 @@
 #include "RunnerTest.h"
 
 #include "CChildProcess.h"
+#include "countDescriptors.h"
 
 #include <qix/CTestSkippedException.h>
 
 #include <csignal>
 #include <filesystem>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -57,15 +57,10 @@ TEST_F(RunnerLog, emptyRunHasASummaryOnly)
 
 TEST_F(RunnerLog, isClosedBehindTheRun)
 {
-    auto const countDescriptors = []
-    {
-        using Folder = std::filesystem::directory_iterator;
-        return std::distance(Folder("/proc/self/fd"), Folder());
-    };
-    auto const before = countDescriptors();
+    auto const before = test::countDescriptors();
     runAll();
     runAll();
-    EXPECT_EQ(countDescriptors(), before);
+    EXPECT_EQ(test::countDescriptors(), before);
 }
 
 TEST_F(RunnerLog, reportIsFlushed)

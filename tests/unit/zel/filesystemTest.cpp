@@ -3,6 +3,7 @@
 #include "CTempWorkDirectory.h"
 #include "Locale.h"
 #include "TranslatedMessage.h"
+#include "countDescriptors.h"
 #include "errorOf.h"
 #include "passesAsOrdinaryUser.h"
 #include "readFile.h"
@@ -247,14 +248,12 @@ TEST_F(filesystem, depthCostsNeitherDescriptorsNorStack)
 
 TEST_F(filesystem, leavesNoDescriptorOpen)
 {
-    auto const countDescriptors = []
-    { return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()); };
-    auto const before = countDescriptors();
+    auto const before = test::countDescriptors();
     fs::create_directories("data/a/b");
     unlinkFolder("data");
     writeFile("data", "text");
     EXPECT_NE(errorOf([] { unlinkFolder("data"); }), "");
-    EXPECT_EQ(countDescriptors(), before);
+    EXPECT_EQ(test::countDescriptors(), before);
 }
 
 TEST_F(filesystem, isNotLedOutByLinksThatAppearMeanwhile)
