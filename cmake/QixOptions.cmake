@@ -38,6 +38,7 @@ endfunction()
 # may hand the compiler paths that are relative to the folder of the build.
 function(qix_places_below folder target)
     file(RELATIVE_PATH relative "${CMAKE_BINARY_DIR}" "${folder}")
+    string(REGEX REPLACE "/$" "" relative "${relative}")
     target_compile_options(${target} PRIVATE
         "-fmacro-prefix-map=${folder}/=" "-fmacro-prefix-map=${relative}/=")
 endfunction()

@@ -4,11 +4,15 @@
 /// What a test file includes: the macros by which tests are written.
 
 #include <qix/CTestItem.h>
+#include <qix/CTestScope.h>
 #include <qix/approx.h>
+#include <qix/attributes.h>
 #include <qix/detail/check.h>
 #include <qix/detail/macros.h>
 #include <qix/detail/registration.h>
-#include <qix/detail/subTest.h>
+#include <qix/log.h>
+#include <qix/noteFailure.h>
+#include <qix/subTest.h>
 
 /// Checks that the expression is true: a comparison, whose two values a failure shows, or whatever
 /// else converts to bool. It is evaluated once. A failure is noted, and the test goes on and fails
@@ -62,3 +66,29 @@
 
 /// Ends the test without a verdict. The message goes to the log file.
 #define QIX_ABORT(message) ::qix::detail::abort(message)
+
+// A variadic macro whose last argument is left out is standard from C++20 on only; both compilers
+// have always taken it, and tell so under -Wpedantic unless the macro comes from the system.
+#pragma GCC system_header
+
+/// \def QIX_TEST(group, name, attributes...)
+/// Defines a test and registers it; its body follows in braces.
+///
+/// \p group is the dotted path of its group, \p name an identifier. The attributes are one of
+/// Short (which it is without any), Long, VeryLong, Hours and None, and Interactive, in any order.
+/// Tests are run in the order in which they stand in the file. The body can call log() and
+/// subTest() as they stand.
+///
+/// Two tests of one name in a group, and a name for a group that is empty or contains a "%", are
+/// refused: nothing is run, and the message tells where they are.
+#define QIX_TEST(group, name, ...)                                                                 \
+    QIX_DETAIL_TEST(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), #group, #name,                \
+                    QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))
+
+/// \def QIX_TEST_F(Fixture, group, name, attributes...)
+/// Defines a test as QIX_TEST does, in a class derived from \p Fixture, which is a class derived
+/// from qix::CTestItem that can be constructed without arguments. Each test gets an object of its
+/// own; the hooks of the fixture are called around the body.
+#define QIX_TEST_F(Fixture, group, name, ...)                                                      \
+    QIX_DETAIL_TEST_F(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), Fixture, #group, #name,     \
+                      QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))

@@ -51,10 +51,11 @@ void describeValue(CValueWriter& out, void const* object)
 }
 
 /// Keeps the values of the comparison that has failed for the message of its check.
-QIX_EXPORT void keepValues(ValueRef const& left, char const* comparison, ValueRef const& right);
+QIX_EXPORT void captureOperands(ValueRef const& left, char const* comparison,
+                                ValueRef const& right);
 
 /// Keeps the value that is false for the message of its check.
-QIX_EXPORT void keepValue(ValueRef const& value);
+QIX_EXPORT void captureOperand(ValueRef const& value);
 
 /// Notes that a check has failed, together with the values that were kept. Throws when no test is
 /// running.
@@ -64,10 +65,10 @@ QIX_EXPORT void noteFailure(char const* file, int line, char const* check);
 [[noreturn]] QIX_EXPORT void failRequirement(char const* file, int line, char const* check);
 
 /// Keeps what the exception being handled tells for the message of its check.
-QIX_EXPORT void keepException();
+QIX_EXPORT void captureException();
 
 /// Keeps for the message of its check that nothing was thrown.
-QIX_EXPORT void keepNothingThrown();
+QIX_EXPORT void captureNothingThrown();
 
 [[noreturn]] QIX_EXPORT void failWithBytes(char const* file, int line, std::string_view message);
 [[noreturn]] QIX_EXPORT void failWithText(char const* file, int line, zel::String const& message);
@@ -221,8 +222,8 @@ COutcome compare(L const& left, R const& right)
     {
         constexpr bool arePointers =
             isTextPointer<std::decay_t<L const>> && isTextPointer<std::decay_t<R const>>;
-        keepValues({std::addressof(left), &describeValue<L, arePointers>}, Comparison::text,
-                   {std::addressof(right), &describeValue<R, arePointers>});
+        captureOperands({std::addressof(left), &describeValue<L, arePointers>}, Comparison::text,
+                        {std::addressof(right), &describeValue<R, arePointers>});
     }
     return COutcome(holds);
 }
@@ -268,7 +269,7 @@ public:
         bool const holds = static_cast<bool>(m_value);
         if (!std::is_same_v<std::remove_cv_t<Value>, bool> && !holds)
         {
-            keepValue({std::addressof(m_value), &describeValue<Value>});
+            captureOperand({std::addressof(m_value), &describeValue<Value>});
         }
         return holds;
     }
@@ -306,16 +307,3 @@ public:
 };
 
 } // namespace qix::detail
-
-namespace qix
-{
-
-/// Notes a failure as a check does: the running test goes on and fails at its end. By it the
-/// failures of other libraries, mocks say, become those of tests. Safe to call from threads that
-/// the test has started. Throws CTestFailedException when no test is running.
-/// \param file     with \p line, the place that the failure is shown with; null when unknown
-/// \param line     see \p file
-/// \param message  what has failed, in bytes that are shown as they are
-QIX_EXPORT void noteFailure(char const* file, int line, std::string_view message);
-
-} // namespace qix

@@ -35,7 +35,7 @@
         try                                                                                        \
         {                                                                                          \
             static_cast<void>(__VA_ARGS__);                                                        \
-            ::qix::detail::keepNothingThrown();                                                    \
+            ::qix::detail::captureNothingThrown();                                                 \
         }                                                                                          \
         QIX_DETAIL_CATCH_OTHERS(qixHolds = true, onFailure, text)                                  \
     } while (false)
@@ -47,13 +47,13 @@
         try                                                                                        \
         {                                                                                          \
             static_cast<void>(expression);                                                         \
-            ::qix::detail::keepNothingThrown();                                                    \
+            ::qix::detail::captureNothingThrown();                                                 \
         }                                                                                          \
         catch (__VA_ARGS__ const&)                                                                 \
         {                                                                                          \
             qixHolds = true;                                                                       \
         }                                                                                          \
-        QIX_DETAIL_CATCH_OTHERS(::qix::detail::keepException(), onFailure, text)                   \
+        QIX_DETAIL_CATCH_OTHERS(::qix::detail::captureException(), onFailure, text)                \
     } while (false)
 
 #define QIX_DETAIL_CHECK_NOTHROW(onFailure, text, ...)                                             \
@@ -65,7 +65,7 @@
             static_cast<void>(__VA_ARGS__);                                                        \
             qixHolds = true;                                                                       \
         }                                                                                          \
-        QIX_DETAIL_CATCH_OTHERS(::qix::detail::keepException(), onFailure, text)                   \
+        QIX_DETAIL_CATCH_OTHERS(::qix::detail::captureException(), onFailure, text)                \
     } while (false)
 
 #define QIX_DETAIL_JOIN(prefix, suffix) QIX_DETAIL_JOIN_EXPANDED(prefix, suffix)
@@ -113,25 +113,3 @@
                                             &::qix::detail::makeTest<Test>, __VA_ARGS__);          \
     }                                                                                              \
     void Test::body()
-
-/// \def QIX_TEST(group, name, attributes...)
-/// Defines a test and registers it; its body follows in braces.
-///
-/// \p group is the dotted path of its group, \p name an identifier. The attributes are one of
-/// Short (which it is without any), Long, VeryLong, Hours and None, and Interactive, in any order.
-/// Tests are run in the order in which they stand in the file. The body can call log() and
-/// subTest() as they stand.
-///
-/// Two tests of one name in a group, and a name for a group that is empty or contains a "%", are
-/// refused: nothing is run, and the message tells where they are.
-#define QIX_TEST(group, name, ...)                                                                 \
-    QIX_DETAIL_TEST(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), #group, #name,                \
-                    QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))
-
-/// \def QIX_TEST_F(Fixture, group, name, attributes...)
-/// Defines a test as QIX_TEST does, in a class derived from \p Fixture, which is a class derived
-/// from qix::CTestItem that can be constructed without arguments. Each test gets an object of its
-/// own; the hooks of the fixture are called around the body.
-#define QIX_TEST_F(Fixture, group, name, ...)                                                      \
-    QIX_DETAIL_TEST_F(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), Fixture, #group, #name,     \
-                      QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))

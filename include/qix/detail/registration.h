@@ -1,34 +1,10 @@
 #pragma once
 
 #include <qix/CTestItem.h>
+#include <qix/attributes.h>
 #include <qix/export.h>
 
-namespace qix
-{
-
-/// The names that stand for the attributes of a test in QIX_TEST and QIX_TEST_F.
-namespace attributes
-{
-
-/// See ITestItem::Duration. Small, since a run may have a million tests.
-enum Duration : unsigned char
-{
-    None = ITestItem::None,
-    Short = ITestItem::Short,
-    Long = ITestItem::Long,
-    VeryLong = ITestItem::VeryLong,
-    Hours = ITestItem::Hours
-};
-
-/// The test needs a human at the console.
-enum Interactivity
-{
-    Interactive
-};
-
-} // namespace attributes
-
-namespace detail
+namespace qix::detail
 {
 
 /// The attributes of one test: one of each kind at most, in any order.
@@ -75,45 +51,4 @@ CTestItem* makeTest()
     return new T;
 }
 
-/// Records a line of the running test; see CTestItem::log().
-QIX_EXPORT void logBytes(std::string_view line);
-QIX_EXPORT void logText(zel::String const& line);
-
-} // namespace detail
-
-/// Records one line of the running test's output: text as CTestItem::log() takes it. Safe to call
-/// from threads that the test has started. Throws zel::CError outside of tests.
-template <typename T>
-void log(T const& line)
-{
-    if constexpr (detail::isNarrowText<T>)
-    {
-        detail::logBytes(detail::viewOf(line));
-    }
-    else
-    {
-        detail::logText(line);
-    }
-}
-
-/// What the body of a QIX_TEST can call without naming the library.
-class CTestScope
-{
-public:
-    /// See qix::log().
-    template <typename T>
-    static void log(T const& line)
-    {
-        qix::log(line);
-    }
-
-    /// See qix::subTest().
-    template <typename Row>
-    static void subTest(std::string_view name, Row&& row, char const* file = __builtin_FILE(),
-                        int line = __builtin_LINE())
-    {
-        detail::runSubTest(name, row, file, line);
-    }
-};
-
-} // namespace qix
+} // namespace qix::detail

@@ -10,12 +10,12 @@ namespace qix::detail
 {
 
 /// Refers to something that is called without arguments. It does not own it.
-class CRowRef
+class CFunctionRef
 {
 public:
     template <typename Row,
-              typename = std::enable_if_t<!std::is_same_v<std::decay_t<Row>, CRowRef>>>
-    CRowRef(Row&& row) noexcept : m_call(&call<std::remove_reference_t<Row>>)
+              typename = std::enable_if_t<!std::is_same_v<std::decay_t<Row>, CFunctionRef>>>
+    CFunctionRef(Row&& row) noexcept : m_call(&call<std::remove_reference_t<Row>>)
     {
         if constexpr (std::is_function_v<std::remove_reference_t<Row>>)
         {
@@ -41,30 +41,6 @@ private:
 };
 
 /// What qix::subTest() does.
-QIX_EXPORT void runSubTest(std::string_view name, CRowRef row, char const* file, int line);
+QIX_EXPORT void runSubTest(std::string_view name, CFunctionRef row, char const* file, int line);
 
 } // namespace qix::detail
-
-namespace qix
-{
-
-/// Runs \p row, which takes no arguments, as a sub-test of the running test: one row of a table,
-/// say. It has its own outcome, by checks or by what it throws, and may have sub-tests itself.
-///
-/// A failed row does not stop the next one, but fails the test around it at its end; a row that
-/// is skipped or aborted does not. Rows of a short test are short tests; rows of longer ones have
-/// no expected duration, and so no progress character.
-///
-/// Call it on the thread that runs the test: throws zel::CError on others and outside of tests.
-/// \param name  the last component of the row's dotted path
-/// \param row   what is called; it is not kept
-/// \param file  with \p line, where the call stands, which is told when the row fails
-/// \param line  see \p file
-template <typename Row>
-void subTest(std::string_view name, Row&& row, char const* file = __builtin_FILE(),
-             int line = __builtin_LINE())
-{
-    detail::runSubTest(name, row, file, line);
-}
-
-} // namespace qix

@@ -1,0 +1,53 @@
+#include "guards/posix/CExitGuard.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+
+#include <sys/types.h>
+#include <unistd.h>
+
+namespace qix
+{
+
+namespace
+{
+
+constexpr int exitCutShort = 2;
+constexpr pid_t none = 0;
+
+std::atomic<pid_t> g_runningProcess = none;
+
+/// Its destructor is a part of exit(). Made while the library loads, it is destroyed after the
+/// static objects of the test executable.
+struct EndOfProcess
+{
+    ~EndOfProcess()
+    {
+        if (g_runningProcess == getpid())
+        {
+            std::fputs(
+                "Error: the test run was ended by a call of exit(); the last line of the log "
+                "names the test.\n",
+                stderr);
+            std::fflush(nullptr);
+            std::_Exit(exitCutShort);
+        }
+    }
+};
+
+EndOfProcess const endOfProcess;
+
+} // namespace
+
+CExitGuard::CExitGuard() noexcept
+{
+    g_runningProcess = getpid();
+}
+
+CExitGuard::~CExitGuard()
+{
+    g_runningProcess = none;
+}
+
+} // namespace qix

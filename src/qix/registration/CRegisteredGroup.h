@@ -1,0 +1,68 @@
+#pragma once
+
+#include <qix/CTestItemGroup.h>
+
+#include "registration/RegisteredTest.h"
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <variant>
+
+namespace qix::detail
+{
+
+/// A group that tests are registered with by their macros.
+///
+/// It makes its children itself, in the order of their registration: a factory for each test would
+/// be one object more, before main() and whether the test is run or not.
+class CRegisteredGroup : public CTestItemGroup
+{
+public:
+    using Child = std::variant<RegisteredFunction, RegisteredFixture, zel::P<CRegisteredGroup>>;
+
+    /// \param parent  null when the group is a child of the root; outlives this group
+    /// \param place   where the first test in the group, or below it, is written
+    CRegisteredGroup(CRegisteredGroup* parent, std::string const& path,
+                     SourceLocation const& location);
+
+    /// The dotted path of the group, whose last component is its name.
+    std::string const& getPath() const noexcept { return m_path; }
+
+    SourceLocation getLocation() const noexcept { return m_location; }
+
+    /// What has been registered, made or not, in that order.
+    std::deque<Child> const& getRegistered() const noexcept { return m_registered; }
+
+    template <typename Test>
+    void addTest(Test const& test)
+    {
+        m_registered.emplace_back(test);
+        if (test.attributes.interactive)
+        {
+            noteInteractiveTest();
+        }
+    }
+
+    void addGroup(zel::P<CRegisteredGroup> const& group);
+
+    /// Knows of the tests that are registered below it, made or not.
+    bool containsAnyInteractive() const override;
+
+    void run(ITestRunner* runner) override;
+    void getSubItems(std::vector<zel::P<ITestItem>>& out) override;
+
+private:
+    void noteInteractiveTest() noexcept;
+    void makePendingChildren();
+
+    CRegisteredGroup* m_parent;
+    std::string m_path;
+    SourceLocation m_location;
+    std::deque<Child> m_registered;
+    std::size_t m_madeCount = 0; ///< how many of the registered children are made
+    bool m_isMaking = false;
+    bool m_containsInteractive = false;
+};
+
+} // namespace qix::detail

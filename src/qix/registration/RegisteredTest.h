@@ -1,0 +1,32 @@
+#pragma once
+
+#include <qix/SourceLocation.h>
+#include <qix/detail/registration.h>
+
+namespace qix::detail
+{
+
+/// What is told about a test where it is written. The texts belong to the macro's caller.
+struct RegisteredTest
+{
+    SourceLocation getLocation() const noexcept { return {file, line}; }
+
+    char const* file;
+    char const* name;
+    int line;
+    Attributes attributes;
+};
+
+/// A test whose body is a function.
+struct RegisteredFunction : RegisteredTest
+{
+    void (*body)();
+};
+
+/// A test whose class is to be constructed.
+struct RegisteredFixture : RegisteredTest
+{
+    CTestItem* (*make)();
+};
+
+} // namespace qix::detail

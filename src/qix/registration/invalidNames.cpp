@@ -1,0 +1,158 @@
+#include "registration/invalidNames.h"
+
+#include "registration/CRegisteredGroup.h"
+#include "text/formatLocation.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string_view>
+#include <variant>
+
+namespace qix::detail
+{
+
+namespace
+{
+
+using Child = CRegisteredGroup::Child;
+
+// The header of a group is printed with its name as part of a format.
+bool hasFormat(std::string const& path)
+{
+    return path.find('%') != std::string::npos;
+}
+
+bool hasEmptyComponent(std::string const& path)
+{
+    return ("." + path + ".").find("..") != std::string::npos;
+}
+
+/// What is compared of a child of a group.
+struct Named
+{
+    std::string_view name;
+    SourceLocation location;
+    bool isGroup;
+};
+
+Named named(RegisteredTest const& test)
+{
+    return {test.name, test.getLocation(), false};
+}
+
+Named named(zel::P<CRegisteredGroup> const& group)
+{
+    std::string_view const path = group->getPath();
+    return {path.substr(path.rfind('.') + 1), group->getLocation(), true};
+}
+
+Named named(Child const& child)
+{
+    return std::visit([](auto const& kind) { return named(kind); }, child);
+}
+
+void listGroupName(CRegisteredGroup const& group, SourceLocation const& location,
+                   std::vector<std::string>& invalidNames)
+{
+    std::string const& path = group.getPath();
+    if (hasFormat(path))
+    {
+        invalidNames.push_back("the name of the group " + path + " contains a %, at " +
+                               formatLocation(location));
+    }
+    else if (hasEmptyComponent(path))
+    {
+        invalidNames.push_back("the name of a group is empty in \"" + path + "\", at " +
+                               formatLocation(location));
+    }
+}
+
+std::string describeDuplicates(std::string const& path, Named const& first, Named const& second)
+{
+    std::string const places[] = {" at " + formatLocation(first.location),
+                                  formatLocation(second.location)};
+    if (!first.isGroup && !second.isGroup)
+    {
+        return "two tests are named " + path + "," + places[0] + " and " + places[1];
+    }
+    std::string const kinds[] = {first.isGroup ? "a group" : "a test",
+                                 second.isGroup ? "a group" : "a test"};
+    return path + " is " + kinds[0] + places[0] + " and " + kinds[1] + " at " + places[1];
+}
+
+void listDuplicates(CRegisteredGroup const& group, std::vector<std::string>& invalidNames)
+{
+    std::map<std::string_view, Named> children;
+    for (Child const& child : group.getRegistered())
+    {
+        Named const second = named(child);
+        auto const [first, isNew] = children.emplace(second.name, second);
+        if (!isNew)
+        {
+            std::string const path = group.getPath() + "." + std::string(second.name);
+            invalidNames.push_back(describeDuplicates(path, first->second, second));
+        }
+    }
+}
+
+std::vector<std::uint64_t> hashesOfNames(std::deque<Child> const& children)
+{
+    std::vector<std::uint64_t> hashes(children.size());
+    std::transform(children.begin(), children.end(), hashes.begin(),
+                   [](Child const& child)
+                   { return std::hash<std::string_view>()(named(child).name); });
+    return hashes;
+}
+
+/// Never false when two children have the same name, and seldom true when none have: compares
+/// hashes, since comparing all names takes longer than running tests that do nothing.
+bool mayHaveDuplicates(std::deque<Child> const& children)
+{
+    std::size_t size = 1;
+    while (size < 2 * children.size())
+    {
+        size *= 2;
+    }
+    // Halves of hashes, each behind the place that the other half tells: it is cache misses that
+    // take time.
+    std::vector<std::uint32_t> marks(size);
+    for (std::uint64_t const hash : hashesOfNames(children))
+    {
+        std::uint32_t const mark = static_cast<std::uint32_t>(hash >> 32U) | 1U;
+        std::size_t slot = hash & (size - 1);
+        while (marks[slot] != 0 && marks[slot] != mark)
+        {
+            slot = (slot + 1) & (size - 1);
+        }
+        if (marks[slot] == mark)
+        {
+            return true;
+        }
+        marks[slot] = mark;
+    }
+    return false;
+}
+
+} // namespace
+
+std::vector<std::string> listInvalidNames(CRegisteredGroup const& group)
+{
+    std::vector<std::string> invalidNames;
+    std::deque<Child> const& children = group.getRegistered();
+    auto const firstTest = std::find_if(children.begin(), children.end(),
+                                        [](Child const& child) { return !named(child).isGroup; });
+    if (firstTest != children.end())
+    {
+        listGroupName(group, named(*firstTest).location, invalidNames);
+    }
+    if (mayHaveDuplicates(children))
+    {
+        listDuplicates(group, invalidNames);
+    }
+    return invalidNames;
+}
+
+} // namespace qix::detail

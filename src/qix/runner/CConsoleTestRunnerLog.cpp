@@ -1,0 +1,109 @@
+#include <qix/CConsoleTestRunner.h>
+#include <zel/String.h>
+
+#include "runner/indent.h"
+
+namespace qix
+{
+
+namespace
+{
+
+/// Indents the log by one level more while it lives.
+class CIndentation
+{
+public:
+    explicit CIndentation(std::string& indent) : m_indent(indent) { m_indent += indentOfOneLevel; }
+    ~CIndentation() { outdent(m_indent); }
+    CIndentation(CIndentation const&) = delete;
+    CIndentation& operator=(CIndentation const&) = delete;
+
+private:
+    std::string& m_indent;
+};
+
+} // namespace
+
+void CConsoleTestRunner::openLog()
+{
+    closeLog();
+    m_log = std::fopen("testLog.txt", "w");
+}
+
+void CConsoleTestRunner::closeLog()
+{
+    if (m_log != nullptr)
+    {
+        std::fclose(m_log);
+        m_log = nullptr;
+    }
+}
+
+void CConsoleTestRunner::logNoIndent(std::string const& s)
+{
+    if (m_log != nullptr)
+    {
+        std::fputs(s.c_str(), m_log);
+        std::fflush(m_log);
+    }
+}
+
+void CConsoleTestRunner::logIndent(std::string const& s)
+{
+    logNoIndent(m_indent + s);
+}
+
+void CConsoleTestRunner::doTestGroupFinishLogging(std::string const& s)
+{
+    bool const beganNothingInside = m_beginCount == m_running.back().startCount + 1;
+    if (!beganNothingInside)
+    {
+        logIndent(s);
+    }
+}
+
+void CConsoleTestRunner::logItemOutput(ITestItem* item)
+{
+    std::vector<zel::String> const& lines = item->getLog();
+    if (lines.empty())
+    {
+        return;
+    }
+    logIndent("Output:\n");
+    CIndentation const indentation(m_indent);
+    for (zel::String const& line : lines)
+    {
+        logIndent(line.toCPSafe());
+        logNoIndent("\n");
+    }
+}
+
+std::string CConsoleTestRunner::pad(std::string s, int width)
+{
+    if (width > static_cast<int>(s.size()))
+    {
+        s.resize(static_cast<std::size_t>(width), ' ');
+    }
+    return s;
+}
+
+void CConsoleTestRunner::writeReport()
+{
+    std::string const summary = "\n" + std::to_string(m_nOk) + " OK, " + std::to_string(m_nFailed) +
+                                " Failed, " + std::to_string(m_nAborted) + " Aborted, " +
+                                std::to_string(m_nSkipped) + " Skipped\n\n";
+    logNoIndent("\n" + summary);
+    closeLog();
+    if (!m_failures.empty())
+    {
+        std::puts("\n\nFailed Tests:");
+    }
+    for (FailInfo const& failure : m_failures)
+    {
+        std::printf("- %s\n  %s\n", failure.name.c_str(), failure.message.c_str());
+    }
+    std::fputs(summary.c_str(), stdout);
+    std::fflush(stdout);
+}
+
+} // namespace qix

@@ -1,0 +1,57 @@
+#include <qix/CConsoleTestRunner.h>
+#include <qix/CTestItemGroup.h>
+#include <zel/P.h>
+
+#include "runner/posix/workDirectory.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace qix
+{
+
+namespace
+{
+
+/// The text of the error is a promise; the standard library's own has changed over time.
+std::string toLine(char const* argument)
+{
+    if (argument == nullptr)
+    {
+        throw std::logic_error("basic_string::_M_construct null not valid");
+    }
+    return argument;
+}
+
+} // namespace
+
+bool CConsoleTestRunner::doMain(int argc, char const** argv)
+{
+    if (!enterWorkDirectory())
+    {
+        return false;
+    }
+    zel::P<CTestItemGroup> const root = CTestItemGroup::global();
+    CConsoleTestRunner runner(root.get());
+    if (argc <= 0)
+    {
+        runner.doMenu();
+    }
+    else if (!runner.applyArguments(argc, argv))
+    {
+        return false;
+    }
+    return runner.go();
+}
+
+bool CConsoleTestRunner::applyArguments(int argc, char const** argv)
+{
+    bool accepted = true;
+    for (int i = 0; i < argc; ++i)
+    {
+        accepted = handleSelectionInput(toLine(argv[i])) && accepted;
+    }
+    return accepted;
+}
+
+} // namespace qix

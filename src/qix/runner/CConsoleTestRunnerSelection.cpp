@@ -1,0 +1,302 @@
+#include <qix/CConsoleTestRunner.h>
+
+#include "runner/nullItem.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <iostream>
+
+namespace qix
+{
+
+namespace
+{
+
+char const helpText[] = "\n"
+                        "Please select the tests to be run.\n"
+                        "Enter numbers or * (=all), separated by spaces.\n"
+                        "You can also enter ranges like this: \"first-last\"\n"
+                        "Multiple occurrences toggle inclusion.\n"
+                        "Enter a '+' in addition to the selection to also run\n"
+                        "long tests that take a while to complete.\n"
+                        "Enter an 'i' in addition to the selection to also run\n"
+                        "interactive tests that require human participation.\n"
+                        "Enter an 'I' in addition to the selection to ONLY run\n"
+                        "interactive tests.\n"
+                        "Type a string that does not begin with a number to list\n"
+                        "all tests that contain that string.\n"
+                        "\n";
+
+bool isDigit(char character) noexcept
+{
+    return character >= '0' && character <= '9';
+}
+
+/// The longest beginning of a token that is a number or a range: empty, or digits and dashes
+/// behind a digit.
+std::string leadingNumbers(std::string const& token)
+{
+    if (!isDigit(token[0]))
+    {
+        return std::string();
+    }
+    auto const end =
+        std::find_if_not(token.begin(), token.end(), [](char c) { return isDigit(c) || c == '-'; });
+    return std::string(token.begin(), end);
+}
+
+/// The number that a text begins with. Beyond 32 bits it wraps around.
+int toNumber(std::string const& text)
+{
+    return static_cast<int>(std::strtol(text.c_str(), nullptr, 10));
+}
+
+std::string toLower(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+bool containsAll(std::string const& text, std::vector<std::string> const& terms)
+{
+    return std::all_of(terms.begin(), terms.end(),
+                       [&text](std::string const& term)
+                       { return text.find(term) != std::string::npos; });
+}
+
+bool hasSign(std::string const& word)
+{
+    return word[0] == '+' || word[0] == '-';
+}
+
+} // namespace
+
+void CConsoleTestRunner::doMenu()
+{
+    std::puts(helpText);
+    for (std::size_t i = 0; i < m_items.size(); ++i)
+    {
+        printItem(static_cast<int>(i));
+    }
+    std::string line;
+    do
+    {
+        std::fflush(stdout);
+        // An ended stream leaves the string alone, and each line read from it is an empty one.
+        line.clear();
+        std::getline(std::cin, line);
+    } while (!handleSelectionInput(line));
+}
+
+bool CConsoleTestRunner::handleSelectionInput(std::string const& line)
+{
+    bool accepted = true;
+    bool tokenSeen = false;
+    std::vector<std::string> searchTerms;
+    std::size_t position = 0;
+    while (position < line.size())
+    {
+        if (line[position] == ' ')
+        {
+            ++position;
+        }
+        else
+        {
+            std::string const token = line.substr(position, line.find(' ', position) - position);
+            accepted = applyToken(token, searchTerms) && accepted;
+            tokenSeen = true;
+            position += token.size();
+        }
+        if (!searchTerms.empty())
+        {
+            printSearchResults(searchTerms);
+        }
+    }
+    if (!tokenSeen)
+    {
+        std::puts("Nothing selected.");
+    }
+    return accepted && tokenSeen;
+}
+
+/// Numbers may stand in front of a keyword or a search word in one token.
+bool CConsoleTestRunner::applyToken(std::string const& token, std::vector<std::string>& searchTerms)
+{
+    std::string const numbers = leadingNumbers(token);
+    std::string const word = token.substr(numbers.size());
+    bool const numbersAccepted = numbers.empty() || applyNumbers(token, numbers);
+    bool const wordAccepted =
+        word.empty() || applyKeyword(word) || applySearchWord(toLower(word), searchTerms);
+    return numbersAccepted && wordAccepted;
+}
+
+/// A line with a plain search word lists tests and is refused, so that nothing is run by it.
+bool CConsoleTestRunner::applySearchWord(std::string const& word,
+                                         std::vector<std::string>& searchTerms)
+{
+    if (hasSign(word))
+    {
+        applySearchSelection(word);
+        return true;
+    }
+    std::printf("Search term: %s\n", word.c_str());
+    searchTerms.push_back(word);
+    return false;
+}
+
+bool CConsoleTestRunner::applyNumbers(std::string const& token, std::string const& numbers)
+{
+    // A dash anywhere in the token makes it a range, also one behind the numbers.
+    std::size_t const separator = token.find('-');
+    return separator == std::string::npos ? applyNumber(numbers) : applyRange(numbers, separator);
+}
+
+bool CConsoleTestRunner::applyNumber(std::string const& number)
+{
+    int const index = toNumber(number);
+    if (index < 0 || index >= static_cast<int>(m_selected.size()))
+    {
+        std::printf("Invalid selection: %s\n", number.c_str());
+        return false;
+    }
+    std::printf("Num: %d\n", index);
+    toggleItem(index);
+    return true;
+}
+
+/// Throws std::out_of_range when the dash stands behind the numbers: there is no upper bound.
+bool CConsoleTestRunner::applyRange(std::string const& numbers, std::size_t separator)
+{
+    int const first = toNumber(numbers.substr(0, separator));
+    int const last = toNumber(numbers.substr(separator + 1));
+    bool const valid = first >= 0 && first <= last && last < static_cast<int>(m_selected.size());
+    if (!valid)
+    {
+        std::printf("Invalid range selection: %s\n", numbers.c_str());
+    }
+    std::printf("Range: %d-%d\n", first, last);
+    toggleRange(first, last);
+    return valid;
+}
+
+/// Toggles what of the range is inside the list.
+void CConsoleTestRunner::toggleRange(int first, int last)
+{
+    int const end = std::min(last, static_cast<int>(m_selected.size()) - 1);
+    for (int i = std::max(first, 0); i <= end; ++i)
+    {
+        toggleItem(i);
+    }
+}
+
+bool CConsoleTestRunner::applyKeyword(std::string const& word)
+{
+    if (word == "*")
+    {
+        toggleAll();
+    }
+    else if (word == "+")
+    {
+        enableTestsUpToDuration(ITestItem::Long);
+    }
+    else if (word == "++")
+    {
+        enableTestsUpToDuration(ITestItem::VeryLong);
+    }
+    else if (word == "+++")
+    {
+        enableTestsUpToDuration(ITestItem::Hours);
+    }
+    else if (word == "i")
+    {
+        enableInteractiveTests();
+    }
+    else if (word == "I")
+    {
+        enableInteractiveTests();
+        disableNonInteractiveTests();
+    }
+    else
+    {
+        return false;
+    }
+    return true;
+}
+
+/// Selects or deselects, without toggling, every item whose name contains what follows the sign.
+void CConsoleTestRunner::applySearchSelection(std::string const& signedTerm)
+{
+    std::printf("Search select: %s\n", signedTerm.c_str());
+    char const sign = signedTerm[0];
+    for (int const index : findItems({signedTerm.substr(1)}))
+    {
+        std::printf("%c %d %s\n", sign, index, nameOf(index).c_str());
+        m_selected[static_cast<std::size_t>(index)] = sign == '+';
+    }
+}
+
+void CConsoleTestRunner::printItem(int index) const
+{
+    std::printf("(%d) %s\n", index, nameOf(index).c_str());
+}
+
+void CConsoleTestRunner::printSearchResults(std::vector<std::string> const& terms) const
+{
+    std::puts("\nSearch results:");
+    for (int const index : findItems(terms))
+    {
+        printItem(index);
+    }
+}
+
+std::string CConsoleTestRunner::nameOf(int index) const
+{
+    zel::P<ITestItem> const& item = m_items[static_cast<std::size_t>(index)];
+    return item == nullptr ? nullItemName : item->getName();
+}
+
+void CConsoleTestRunner::toggleItem(int index)
+{
+    m_selected[static_cast<std::size_t>(index)].flip();
+}
+
+void CConsoleTestRunner::toggleAll()
+{
+    for (std::size_t i = 0; i < m_items.size(); ++i)
+    {
+        toggleItem(static_cast<int>(i));
+    }
+}
+
+void CConsoleTestRunner::enableTestsUpToDuration(ITestItem::Duration duration)
+{
+    m_maxDuration = std::max<int>(m_maxDuration, duration);
+}
+
+void CConsoleTestRunner::enableInteractiveTests()
+{
+    m_runInteractive = true;
+}
+
+void CConsoleTestRunner::disableNonInteractiveTests()
+{
+    m_onlyInteractive = true;
+}
+
+std::vector<int> CConsoleTestRunner::findItems(std::vector<std::string> const& terms) const
+{
+    std::vector<int> found;
+    for (std::size_t i = 0; i < m_items.size(); ++i)
+    {
+        int const index = static_cast<int>(i);
+        if (containsAll(toLower(nameOf(index)), terms))
+        {
+            found.push_back(index);
+        }
+    }
+    return found;
+}
+
+} // namespace qix

@@ -1,0 +1,152 @@
+#include <qix/secret.h>
+#include <zel/CCachedEnvVars.h>
+#include <zel/CError.h>
+#include <zel/CPosixFileInStream.h>
+#include <zel/TBuffer.h>
+#include <zel/TPathImpl.h>
+
+#include "support/CWxLogCapture.h"
+
+#include <wx/fileconf.h>
+#include <wx/mstream.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <optional>
+#include <string>
+
+namespace qix
+{
+
+namespace
+{
+
+using Buffer = zel::TBuffer<char>;
+
+zel::CPath readSecretsPath()
+{
+    zel::CPath path = zel::CCachedEnvVars::get()->getVar("ZEL_TEST_SECRETS", "");
+    if (path.getText().empty())
+    {
+        throw zel::CError("Test error: path to test secrets file not defined in environment "
+                          "variable ZEL_TEST_SECRETS.");
+    }
+    return path;
+}
+
+/// Reads as many bytes as the file's length tells in 32 bits, signed.
+void readFile(zel::CPosixFileInStream& file, Buffer& bytes)
+{
+    auto const length = static_cast<std::int32_t>(file.getLength());
+    if (length <= 0)
+    {
+        return;
+    }
+    bytes.alloc(length);
+    bytes.setUsed(length);
+    int const read = file.read(bytes.getData(), length);
+    // A file that has shrunk meanwhile must not bring in what the memory held before.
+    std::memset(bytes.getData() + read, 0, static_cast<std::size_t>(length - read));
+}
+
+/// The text ends at its first NUL anyway; a sparse file would cost much memory.
+void dropNulsAtEnd(Buffer& bytes)
+{
+    int used = bytes.getUsed();
+    while (used > 0 && bytes[used - 1] == '\0')
+    {
+        --used;
+    }
+    bytes.setUsed(used);
+}
+
+/// wxFileConfig puts one NUL byte behind the text, and refuses a text that does not consist of
+/// whole characters then.
+void fillUpToWholeCharacters(Buffer& bytes)
+{
+    constexpr int characterSize = 4;
+    int const oldUsed = bytes.getUsed();
+    int const wholeCharacters = oldUsed / characterSize + 2;
+    bytes.setUsed(wholeCharacters * characterSize - 1);
+    std::memset(bytes.getData() + oldUsed, 0, static_cast<std::size_t>(bytes.getUsed() - oldUsed));
+}
+
+/// wxWidgets does not check its own allocations, so the memory is asked for once before.
+void ensureMemoryForParsing(Buffer const& bytes)
+{
+    constexpr std::size_t bytesPerByte = 16;
+    std::size_t const needed = static_cast<std::size_t>(bytes.getUsed()) * bytesPerByte;
+    ::operator delete(::operator new(needed));
+}
+
+/// Reads the file as wxFileConfig takes it.
+void readText(zel::CPath const& path, zel::CPosixFileInStream& file, Buffer& bytes)
+{
+    try
+    {
+        readFile(file, bytes);
+        dropNulsAtEnd(bytes);
+        fillUpToWholeCharacters(bytes);
+        ensureMemoryForParsing(bytes);
+    }
+    catch (std::bad_alloc const&)
+    {
+        throw zel::CError("Unable to read the test secrets file '" + path.getText() +
+                          "': it is too large for the memory.");
+    }
+}
+
+std::optional<zel::String> lookUp(Buffer const& bytes, zel::String const& lookupPath)
+{
+    wxMemoryInputStream stream(bytes.getData(), static_cast<std::size_t>(bytes.getUsed()));
+    wxFileConfig const config(stream);
+    wxString value;
+    return config.Read(lookupPath, &value) ? std::optional<zel::String>(value) : std::nullopt;
+}
+
+void printDiagnostic(zel::CPath const& path, std::string const& diagnostic)
+{
+    std::string const line =
+        "Warning: test secrets file '" + path.getText().toCPSafe() + "': " + diagnostic + ".\n";
+    std::fputs(line.c_str(), stderr);
+}
+
+/// Looks up a value, and tells in words of ours what is wrong with the file.
+std::optional<zel::String> lookUpQuietly(zel::CPath const& path, Buffer const& bytes,
+                                         zel::String const& lookupPath)
+{
+    std::optional<zel::String> value;
+    std::optional<std::string> diagnostic;
+    {
+        CWxLogCapture const withheld;
+        value = lookUp(bytes, lookupPath);
+        diagnostic = withheld.getDiagnostic();
+    }
+    if (diagnostic)
+    {
+        printDiagnostic(path, *diagnostic);
+    }
+    return value;
+}
+
+} // namespace
+
+zel::String getTestSecret(zel::String const& section, zel::String const& key)
+{
+    zel::CPath const path = readSecretsPath();
+    zel::CPosixFileInStream file(path);
+    Buffer bytes;
+    readText(path, file, bytes);
+    zel::String const lookupPath = "/" + section + "/" + key;
+    std::optional<zel::String> const value = lookUpQuietly(path, bytes, lookupPath);
+    if (!value)
+    {
+        throw zel::CError("Unable to find value '" + lookupPath + "' in test secrets file.");
+    }
+    return *value;
+}
+
+} // namespace qix

@@ -1,0 +1,77 @@
+#include <qix/CTestItem.h>
+#include <zel/String.h>
+
+#include "testing/CTestContext.h"
+#include "text/decodedText.h"
+
+#include <mutex>
+
+namespace qix
+{
+
+namespace
+{
+
+/// Tests log from threads of their own.
+std::mutex& logMutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+} // namespace
+
+CTestItem::CTestItem() = default;
+
+CTestItem::CTestItem(std::string const& name, Duration duration, bool interactive)
+    : m_name(name), m_duration(duration), m_interactive(interactive)
+{
+}
+
+CTestItem::~CTestItem() = default;
+
+void CTestItem::run(ITestRunner* runner)
+{
+    m_logLines.clear();
+    CTestContext run(*this, runner);
+    if (run.tryStep("clean", [this] { clean(); }))
+    {
+        if (run.tryStep("setUp", [this] { setUp(); }))
+        {
+            run.tryStep("the body", [this] { body(); });
+        }
+        run.tryStep("tearDown", [this] { tearDown(); });
+        run.tryStep("clean", [this] { clean(); });
+    }
+    run.finish();
+}
+
+void CTestItem::getSubItems(std::vector<zel::P<ITestItem>>& out)
+{
+    out.clear();
+}
+
+void CTestItem::log(zel::String const& line)
+{
+    std::lock_guard<std::mutex> const lock(logMutex());
+    m_logLines.push_back(line);
+}
+
+void CTestItem::logBytes(std::string_view line)
+{
+    log(decodedText(line));
+}
+
+void CTestItem::clean()
+{
+}
+
+void CTestItem::setUp()
+{
+}
+
+void CTestItem::tearDown()
+{
+}
+
+} // namespace qix
