@@ -14,9 +14,9 @@ namespace qix
 namespace
 {
 
-/// Guards the chain of all runs and what they have noted. Both outlive every thread. Recursive,
-/// since a test may check something where it records a line.
-std::recursive_mutex runsMutex;
+/// Guards the chain of all runs and what they have noted. Both outlive every thread. Nothing of a
+/// test's own is called under it: that may wait for a thread that is about to check something.
+std::mutex runsMutex;
 CTestContext* innermostOfProcess = nullptr;
 thread_local CTestContext* innermostOfThread = nullptr;
 
@@ -32,6 +32,40 @@ ITestItem::Duration durationOfRows(ITestItem const& item)
 
 } // namespace
 
+/// Keeps the current run from ending while it lives, without a lock.
+class CTestContext::CUse
+{
+public:
+    CUse() noexcept
+    {
+        std::lock_guard<std::mutex> const lock(runsMutex);
+        m_run = current();
+        if (m_run != nullptr)
+        {
+            ++m_run->m_useCount;
+        }
+    }
+
+    ~CUse()
+    {
+        if (m_run != nullptr)
+        {
+            std::lock_guard<std::mutex> const lock(runsMutex);
+            --m_run->m_useCount;
+            // Under the lock, without which the run could end first, and the condition with it.
+            m_run->m_useEnded.notify_all();
+        }
+    }
+
+    CUse(CUse const&) = delete;
+    CUse& operator=(CUse const&) = delete;
+
+    CTestContext* getRun() const noexcept { return m_run; }
+
+private:
+    CTestContext* m_run;
+};
+
 zel::P<zel::CError> CRequirementFailedException::clone() const
 {
     return zel::newObj<CRequirementFailedException>(*this);
@@ -45,7 +79,7 @@ void CRequirementFailedException::throwClone() const
 CTestContext::CTestContext(ITestItem& item, ITestRunner* runner) noexcept
     : m_item(item), m_runner(runner), m_outerOfThread(innermostOfThread)
 {
-    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
+    std::lock_guard<std::mutex> const lock(runsMutex);
     m_outerOfProcess = innermostOfProcess;
     innermostOfProcess = this;
     innermostOfThread = this;
@@ -62,7 +96,7 @@ void CTestContext::leave() noexcept
     {
         return;
     }
-    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
+    std::unique_lock<std::mutex> lock(runsMutex);
     m_isCurrent = false;
     innermostOfThread = m_outerOfThread;
     // Runs of other threads may have come and stayed since.
@@ -72,6 +106,7 @@ void CTestContext::leave() noexcept
         link = &(*link)->m_outerOfProcess;
     }
     *link = m_outerOfProcess;
+    m_useEnded.wait(lock, [this] { return m_useCount == 0; });
 }
 
 CTestContext* CTestContext::ofThisThread() noexcept
@@ -86,7 +121,7 @@ CTestContext* CTestContext::current() noexcept
 
 bool CTestContext::noteInCurrent(std::string const& failure)
 {
-    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
+    std::lock_guard<std::mutex> const lock(runsMutex);
     CTestContext* const run = current();
     if (run == nullptr)
     {
@@ -98,19 +133,18 @@ bool CTestContext::noteInCurrent(std::string const& failure)
 
 bool CTestContext::logInCurrent(zel::String const& line)
 {
-    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
-    CTestContext* const run = current();
-    if (run == nullptr)
+    CUse const use;
+    if (use.getRun() == nullptr)
     {
         return false;
     }
-    run->m_item.log(line);
+    use.getRun()->m_item.log(line);
     return true;
 }
 
 void CTestContext::note(std::string const& failure)
 {
-    std::lock_guard<std::recursive_mutex> const lock(runsMutex);
+    std::lock_guard<std::mutex> const lock(runsMutex);
     noteLocked(failure);
 }
 

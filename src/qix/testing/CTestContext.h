@@ -6,6 +6,7 @@
 #include <qix/detail/subTest.h>
 #include <zel/String.h>
 
+#include <condition_variable>
 #include <cstddef>
 #include <exception>
 #include <string>
@@ -61,6 +62,8 @@ public:
     void finish();
 
 private:
+    class CUse;
+
     static CTestContext* current() noexcept;
 
     bool endSubTest(CTestContext& row);
@@ -76,6 +79,8 @@ private:
     CTestContext* m_outerOfThread;
     CTestContext* m_outerOfProcess;
     bool m_isCurrent = true;
+    unsigned m_useCount = 0; ///< how many threads are recording a line in the item
+    std::condition_variable m_useEnded;
     std::vector<std::string> m_failures; ///< those that are listed, in the order of their coming
     std::size_t m_failureCount = 0;
     std::exception_ptr m_error;   ///< the first failure that is an exception of the test's own
