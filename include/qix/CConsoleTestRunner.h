@@ -6,7 +6,6 @@
 #include <zel/CBase.h>
 #include <zel/P.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -153,30 +152,6 @@ protected:
     int m_nFailed = 0;                      ///< sub-tests that failed
     int m_nSkipped = 0;                     ///< sub-tests that were refused or did not apply
     std::list<FailInfo> m_failures;         ///< in the order in which they happened
-
-private:
-    bool isRefused(ITestItem::Duration duration, bool isInteractive,
-                   bool containsAnyInteractive) const noexcept;
-    void printHeader(ITestItem& item);
-    void reportNullItem();
-    template <typename End>
-    void endItem(ITestItem* item, std::size_t depth, End const& end);
-    void printProgress(char character) const;
-    void warnAboutDuration(ITestItem::Duration duration, std::time_t elapsed) const;
-    void writeReport();
-
-    bool applyArguments(int argc, char const** argv);
-    bool applyToken(std::string const& token, std::vector<std::string>& searchTerms);
-    bool applySearchWord(std::string const& word, std::vector<std::string>& searchTerms);
-    bool applyNumbers(std::string const& token, std::string const& numbers);
-    bool applyNumber(std::string const& number);
-    bool applyRange(std::string const& numbers, std::size_t separator);
-    void toggleRange(int first, int last);
-    bool applyKeyword(std::string const& word);
-    void applySearchSelection(std::string const& signedTerm);
-    void printItem(int index) const;
-    void printSearchResults(std::vector<std::string> const& terms) const;
-    std::string nameOf(int index) const;
 };
 
 } // namespace qix

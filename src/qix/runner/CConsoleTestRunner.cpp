@@ -9,6 +9,7 @@
 #include "runner/nullItem.h"
 #include "text/messageOf.h"
 
+#include <cstddef>
 #include <limits>
 
 namespace qix
@@ -52,10 +53,91 @@ void printAsFormat(std::string const& format)
 }
 #pragma GCC diagnostic pop
 
+void printProgress(char character)
+{
+    std::putchar(character);
+    std::fflush(stdout);
+}
+
+/// Prints the header of an item with children. Asking for the children makes those of a group
+/// that are pending, so that the filters see them.
+void printHeader(ITestItem& item, std::string const& indent)
+{
+    std::vector<zel::P<ITestItem>> children;
+    item.getSubItems(children);
+    if (!children.empty())
+    {
+        printAsFormat("\n" + indent + "> " + item.getName() + " ");
+        std::fflush(stdout);
+    }
+}
+
+/// A missing item passes every filter, so that it is never overlooked.
+void reportNullItem(CConsoleTestRunner& runner)
+{
+    runner.logIndent(std::string(nullItemName) + "\n");
+    if (runner.beginSubTest(nullItemName, ITestItem::None, false, true))
+    {
+        runner.endSubTest_Failed(zel::CError("There is no test item: a factory returned null."));
+    }
+}
+
 void runGuarded(ITestItem& item, ITestRunner* runner)
 {
     CForkGuard const guard;
     item.run(runner);
+}
+
+/// Ends the item, and before it the sub-tests that it has left open, innermost first.
+/// \param running  the sub-tests that have been begun and not ended
+/// \param depth    their number, the item's own included, when the item was begun
+template <typename Records, typename End>
+void endItem(CConsoleTestRunner& runner, Records const& running, ITestItem* item, std::size_t depth,
+             End const& end)
+{
+    for (std::size_t open = running.size(); open > depth; --open)
+    {
+        end();
+    }
+    runner.logItemOutput(item);
+    // An item that has been ended already, and failed in the course of it, is not ended again.
+    if (running.size() == depth)
+    {
+        end();
+    }
+}
+
+void warnAboutDuration(CConsoleTestRunner const& runner, ITestItem::Duration duration,
+                       std::time_t elapsed)
+{
+    ExpectedTime const expected = expectedTimeOf(duration);
+    if (elapsed < expected.shortest)
+    {
+        std::printf("\n\nTOO QUICK: test %s was quicker than expected (only %d seconds).\n",
+                    runner.getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));
+        std::fflush(stdout);
+    }
+    else if (elapsed > expected.longest)
+    {
+        std::printf("\n\nTOO SLOW: test %s was slower than expected (%d seconds).\n",
+                    runner.getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));
+        std::fflush(stdout);
+    }
+}
+
+template <typename Failures>
+void printReport(Failures const& failures, std::string const& summary)
+{
+    if (!failures.empty())
+    {
+        std::puts("\n\nFailed Tests:");
+    }
+    for (auto const& failure : failures)
+    {
+        std::printf("- %s\n  %s\n", failure.name.c_str(), failure.message.c_str());
+    }
+    std::fputs(summary.c_str(), stdout);
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -85,7 +167,12 @@ bool CConsoleTestRunner::go()
             runTestItem(m_items[i].get());
         }
     }
-    writeReport();
+    std::string const summary = "\n" + std::to_string(m_nOk) + " OK, " + std::to_string(m_nFailed) +
+                                " Failed, " + std::to_string(m_nAborted) + " Aborted, " +
+                                std::to_string(m_nSkipped) + " Skipped\n\n";
+    logNoIndent("\n" + summary);
+    closeLog();
+    printReport(m_failures, summary);
     return m_nFailed == 0;
 }
 
@@ -93,11 +180,11 @@ void CConsoleTestRunner::runTestItem(ITestItem* item)
 {
     if (item == nullptr)
     {
-        reportNullItem();
+        reportNullItem(*this);
         return;
     }
     logIndent(item->getName() + "\n");
-    printHeader(*item);
+    printHeader(*item, m_indent);
     if (!beginSubTest(item->getName(), item->getDuration(), item->isInteractive(),
                       item->containsAnyInteractive()))
     {
@@ -107,66 +194,28 @@ void CConsoleTestRunner::runTestItem(ITestItem* item)
     try
     {
         runGuarded(*item, this);
-        endItem(item, depth, [this] { endSubTest_Success(); });
+        endItem(*this, m_running, item, depth, [this] { endSubTest_Success(); });
     }
     catch (CTestAbortedException const&)
     {
-        endItem(item, depth, [this] { endSubTest_Aborted(); });
+        endItem(*this, m_running, item, depth, [this] { endSubTest_Aborted(); });
     }
     catch (CTestSkippedException const&)
     {
-        endItem(item, depth, [this] { endSubTest_Skipped(); });
+        endItem(*this, m_running, item, depth, [this] { endSubTest_Skipped(); });
     }
     catch (std::exception const& e)
     {
-        endItem(item, depth, [this, &e] { endSubTest_Failed(e); });
-    }
-}
-
-/// Prints the header of an item with children. Asking for the children makes those of a group
-/// that are pending, so that the filters see them.
-void CConsoleTestRunner::printHeader(ITestItem& item)
-{
-    std::vector<zel::P<ITestItem>> children;
-    item.getSubItems(children);
-    if (!children.empty())
-    {
-        printAsFormat("\n" + m_indent + "> " + item.getName() + " ");
-        std::fflush(stdout);
-    }
-}
-
-/// A missing item passes every filter, so that it is never overlooked.
-void CConsoleTestRunner::reportNullItem()
-{
-    logIndent(std::string(nullItemName) + "\n");
-    if (beginSubTest(nullItemName, ITestItem::None, false, true))
-    {
-        endSubTest_Failed(zel::CError("There is no test item: a factory returned null."));
-    }
-}
-
-/// Ends the item, and before it the sub-tests that it has left open, innermost first.
-/// \param depth  the number of running sub-tests, the item's own included, when it was begun
-template <typename End>
-void CConsoleTestRunner::endItem(ITestItem* item, std::size_t depth, End const& end)
-{
-    for (std::size_t open = m_running.size(); open > depth; --open)
-    {
-        end();
-    }
-    logItemOutput(item);
-    // An item that has been ended already, and failed in the course of it, is not ended again.
-    if (m_running.size() == depth)
-    {
-        end();
+        endItem(*this, m_running, item, depth, [this, &e] { endSubTest_Failed(e); });
     }
 }
 
 bool CConsoleTestRunner::beginSubTest(std::string const& name, ITestItem::Duration duration,
                                       bool isInteractive, bool containsAnyInteractive)
 {
-    if (isRefused(duration, isInteractive, containsAnyInteractive))
+    bool const isFilteredOut = m_maxDuration < duration || (isInteractive && !m_runInteractive) ||
+                               (!containsAnyInteractive && m_onlyInteractive);
+    if (isFilteredOut)
     {
         printProgress('o');
         ++m_nSkipped;
@@ -176,13 +225,6 @@ bool CConsoleTestRunner::beginSubTest(std::string const& name, ITestItem::Durati
     ++m_beginCount;
     m_indent += indentOfOneLevel;
     return true;
-}
-
-bool CConsoleTestRunner::isRefused(ITestItem::Duration duration, bool isInteractive,
-                                   bool containsAnyInteractive) const noexcept
-{
-    return m_maxDuration < duration || (isInteractive && !m_runInteractive) ||
-           (!containsAnyInteractive && m_onlyInteractive);
 }
 
 void CConsoleTestRunner::endSubTest_Failed(std::exception const& e)
@@ -233,27 +275,10 @@ void CConsoleTestRunner::finalizeSubTest(bool success)
     std::time_t const elapsed = std::time(nullptr) - record.startTime;
     if (success && !record.interactive)
     {
-        warnAboutDuration(record.duration, elapsed);
+        warnAboutDuration(*this, record.duration, elapsed);
     }
     m_running.pop_back();
     outdent(m_indent);
-}
-
-void CConsoleTestRunner::warnAboutDuration(ITestItem::Duration duration, std::time_t elapsed) const
-{
-    ExpectedTime const expected = expectedTimeOf(duration);
-    if (elapsed < expected.shortest)
-    {
-        std::printf("\n\nTOO QUICK: test %s was quicker than expected (only %d seconds).\n",
-                    getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));
-        std::fflush(stdout);
-    }
-    else if (elapsed > expected.longest)
-    {
-        std::printf("\n\nTOO SLOW: test %s was slower than expected (%d seconds).\n",
-                    getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));
-        std::fflush(stdout);
-    }
 }
 
 void CConsoleTestRunner::resetCounters()
@@ -278,12 +303,6 @@ std::string CConsoleTestRunner::getTestBreadcrumbs() const
         breadcrumbs += record.name;
     }
     return breadcrumbs;
-}
-
-void CConsoleTestRunner::printProgress(char character) const
-{
-    std::putchar(character);
-    std::fflush(stdout);
 }
 
 } // namespace qix

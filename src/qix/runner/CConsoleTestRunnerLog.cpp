@@ -87,23 +87,4 @@ std::string CConsoleTestRunner::pad(std::string s, int width)
     return s;
 }
 
-void CConsoleTestRunner::writeReport()
-{
-    std::string const summary = "\n" + std::to_string(m_nOk) + " OK, " + std::to_string(m_nFailed) +
-                                " Failed, " + std::to_string(m_nAborted) + " Aborted, " +
-                                std::to_string(m_nSkipped) + " Skipped\n\n";
-    logNoIndent("\n" + summary);
-    closeLog();
-    if (!m_failures.empty())
-    {
-        std::puts("\n\nFailed Tests:");
-    }
-    for (FailInfo const& failure : m_failures)
-    {
-        std::printf("- %s\n  %s\n", failure.name.c_str(), failure.message.c_str());
-    }
-    std::fputs(summary.c_str(), stdout);
-    std::fflush(stdout);
-}
-
 } // namespace qix

@@ -23,6 +23,16 @@ std::string toLine(char const* argument)
     return argument;
 }
 
+bool applyArguments(CConsoleTestRunner& runner, int argc, char const** argv)
+{
+    bool accepted = true;
+    for (int i = 0; i < argc; ++i)
+    {
+        accepted = runner.handleSelectionInput(toLine(argv[i])) && accepted;
+    }
+    return accepted;
+}
+
 } // namespace
 
 bool CConsoleTestRunner::doMain(int argc, char const** argv)
@@ -37,21 +47,11 @@ bool CConsoleTestRunner::doMain(int argc, char const** argv)
     {
         runner.doMenu();
     }
-    else if (!runner.applyArguments(argc, argv))
+    else if (!applyArguments(runner, argc, argv))
     {
         return false;
     }
     return runner.go();
-}
-
-bool CConsoleTestRunner::applyArguments(int argc, char const** argv)
-{
-    bool accepted = true;
-    for (int i = 0; i < argc; ++i)
-    {
-        accepted = handleSelectionInput(toLine(argv[i])) && accepted;
-    }
-    return accepted;
 }
 
 } // namespace qix

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdlib>
 #include <iostream>
 
@@ -12,6 +13,8 @@ namespace qix
 
 namespace
 {
+
+using Items = std::vector<zel::P<ITestItem>>;
 
 char const helpText[] = "\n"
                         "Please select the tests to be run.\n"
@@ -71,30 +74,53 @@ bool hasSign(std::string const& word)
     return word[0] == '+' || word[0] == '-';
 }
 
-} // namespace
-
-void CConsoleTestRunner::doMenu()
+/// A factory may have failed to return an item.
+std::string nameOf(Items const& items, int index)
 {
-    std::puts(helpText);
-    for (std::size_t i = 0; i < m_items.size(); ++i)
-    {
-        printItem(static_cast<int>(i));
-    }
-    std::string line;
-    do
-    {
-        std::fflush(stdout);
-        // An ended stream leaves the string alone, and each line read from it is an empty one.
-        line.clear();
-        std::getline(std::cin, line);
-    } while (!handleSelectionInput(line));
+    zel::P<ITestItem> const& item = items[static_cast<std::size_t>(index)];
+    return item == nullptr ? nullItemName : item->getName();
 }
 
-bool CConsoleTestRunner::handleSelectionInput(std::string const& line)
+void printItem(Items const& items, int index)
+{
+    std::printf("(%d) %s\n", index, nameOf(items, index).c_str());
+}
+
+/// One selection line while it is applied to a runner.
+class CSelectionLine
+{
+public:
+    /// \param items     what the runner offers
+    /// \param selected  one flag for each item
+    CSelectionLine(CConsoleTestRunner& runner, Items const& items, std::vector<bool>& selected)
+        : m_runner(runner), m_items(items), m_selected(selected)
+    {
+    }
+
+    /// True when the line was accepted.
+    bool apply(std::string const& line);
+
+private:
+    bool applyToken(std::string const& token);
+    bool applySearchWord(std::string const& word);
+    bool applyNumbers(std::string const& token, std::string const& numbers);
+    bool applyNumber(std::string const& number);
+    bool applyRange(std::string const& numbers, std::size_t separator);
+    void toggleRange(int first, int last);
+    bool applyKeyword(std::string const& word);
+    void applySearchSelection(std::string const& signedTerm);
+    void printSearchResults() const;
+
+    CConsoleTestRunner& m_runner;
+    Items const& m_items;
+    std::vector<bool>& m_selected;
+    std::vector<std::string> m_searchTerms;
+};
+
+bool CSelectionLine::apply(std::string const& line)
 {
     bool accepted = true;
     bool tokenSeen = false;
-    std::vector<std::string> searchTerms;
     std::size_t position = 0;
     while (position < line.size())
     {
@@ -105,13 +131,13 @@ bool CConsoleTestRunner::handleSelectionInput(std::string const& line)
         else
         {
             std::string const token = line.substr(position, line.find(' ', position) - position);
-            accepted = applyToken(token, searchTerms) && accepted;
+            accepted = applyToken(token) && accepted;
             tokenSeen = true;
             position += token.size();
         }
-        if (!searchTerms.empty())
+        if (!m_searchTerms.empty())
         {
-            printSearchResults(searchTerms);
+            printSearchResults();
         }
     }
     if (!tokenSeen)
@@ -122,19 +148,17 @@ bool CConsoleTestRunner::handleSelectionInput(std::string const& line)
 }
 
 /// Numbers may stand in front of a keyword or a search word in one token.
-bool CConsoleTestRunner::applyToken(std::string const& token, std::vector<std::string>& searchTerms)
+bool CSelectionLine::applyToken(std::string const& token)
 {
     std::string const numbers = leadingNumbers(token);
     std::string const word = token.substr(numbers.size());
     bool const numbersAccepted = numbers.empty() || applyNumbers(token, numbers);
-    bool const wordAccepted =
-        word.empty() || applyKeyword(word) || applySearchWord(toLower(word), searchTerms);
+    bool const wordAccepted = word.empty() || applyKeyword(word) || applySearchWord(toLower(word));
     return numbersAccepted && wordAccepted;
 }
 
 /// A line with a plain search word lists tests and is refused, so that nothing is run by it.
-bool CConsoleTestRunner::applySearchWord(std::string const& word,
-                                         std::vector<std::string>& searchTerms)
+bool CSelectionLine::applySearchWord(std::string const& word)
 {
     if (hasSign(word))
     {
@@ -142,18 +166,18 @@ bool CConsoleTestRunner::applySearchWord(std::string const& word,
         return true;
     }
     std::printf("Search term: %s\n", word.c_str());
-    searchTerms.push_back(word);
+    m_searchTerms.push_back(word);
     return false;
 }
 
-bool CConsoleTestRunner::applyNumbers(std::string const& token, std::string const& numbers)
+bool CSelectionLine::applyNumbers(std::string const& token, std::string const& numbers)
 {
     // A dash anywhere in the token makes it a range, also one behind the numbers.
     std::size_t const separator = token.find('-');
     return separator == std::string::npos ? applyNumber(numbers) : applyRange(numbers, separator);
 }
 
-bool CConsoleTestRunner::applyNumber(std::string const& number)
+bool CSelectionLine::applyNumber(std::string const& number)
 {
     int const index = toNumber(number);
     if (index < 0 || index >= static_cast<int>(m_selected.size()))
@@ -162,12 +186,12 @@ bool CConsoleTestRunner::applyNumber(std::string const& number)
         return false;
     }
     std::printf("Num: %d\n", index);
-    toggleItem(index);
+    m_runner.toggleItem(index);
     return true;
 }
 
 /// Throws std::out_of_range when the dash stands behind the numbers: there is no upper bound.
-bool CConsoleTestRunner::applyRange(std::string const& numbers, std::size_t separator)
+bool CSelectionLine::applyRange(std::string const& numbers, std::size_t separator)
 {
     int const first = toNumber(numbers.substr(0, separator));
     int const last = toNumber(numbers.substr(separator + 1));
@@ -182,41 +206,41 @@ bool CConsoleTestRunner::applyRange(std::string const& numbers, std::size_t sepa
 }
 
 /// Toggles what of the range is inside the list.
-void CConsoleTestRunner::toggleRange(int first, int last)
+void CSelectionLine::toggleRange(int first, int last)
 {
     int const end = std::min(last, static_cast<int>(m_selected.size()) - 1);
     for (int i = std::max(first, 0); i <= end; ++i)
     {
-        toggleItem(i);
+        m_runner.toggleItem(i);
     }
 }
 
-bool CConsoleTestRunner::applyKeyword(std::string const& word)
+bool CSelectionLine::applyKeyword(std::string const& word)
 {
     if (word == "*")
     {
-        toggleAll();
+        m_runner.toggleAll();
     }
     else if (word == "+")
     {
-        enableTestsUpToDuration(ITestItem::Long);
+        m_runner.enableTestsUpToDuration(ITestItem::Long);
     }
     else if (word == "++")
     {
-        enableTestsUpToDuration(ITestItem::VeryLong);
+        m_runner.enableTestsUpToDuration(ITestItem::VeryLong);
     }
     else if (word == "+++")
     {
-        enableTestsUpToDuration(ITestItem::Hours);
+        m_runner.enableTestsUpToDuration(ITestItem::Hours);
     }
     else if (word == "i")
     {
-        enableInteractiveTests();
+        m_runner.enableInteractiveTests();
     }
     else if (word == "I")
     {
-        enableInteractiveTests();
-        disableNonInteractiveTests();
+        m_runner.enableInteractiveTests();
+        m_runner.disableNonInteractiveTests();
     }
     else
     {
@@ -226,35 +250,48 @@ bool CConsoleTestRunner::applyKeyword(std::string const& word)
 }
 
 /// Selects or deselects, without toggling, every item whose name contains what follows the sign.
-void CConsoleTestRunner::applySearchSelection(std::string const& signedTerm)
+void CSelectionLine::applySearchSelection(std::string const& signedTerm)
 {
     std::printf("Search select: %s\n", signedTerm.c_str());
     char const sign = signedTerm[0];
-    for (int const index : findItems({signedTerm.substr(1)}))
+    for (int const index : m_runner.findItems({signedTerm.substr(1)}))
     {
-        std::printf("%c %d %s\n", sign, index, nameOf(index).c_str());
+        std::printf("%c %d %s\n", sign, index, nameOf(m_items, index).c_str());
         m_selected[static_cast<std::size_t>(index)] = sign == '+';
     }
 }
 
-void CConsoleTestRunner::printItem(int index) const
-{
-    std::printf("(%d) %s\n", index, nameOf(index).c_str());
-}
-
-void CConsoleTestRunner::printSearchResults(std::vector<std::string> const& terms) const
+void CSelectionLine::printSearchResults() const
 {
     std::puts("\nSearch results:");
-    for (int const index : findItems(terms))
+    for (int const index : m_runner.findItems(m_searchTerms))
     {
-        printItem(index);
+        printItem(m_items, index);
     }
 }
 
-std::string CConsoleTestRunner::nameOf(int index) const
+} // namespace
+
+void CConsoleTestRunner::doMenu()
 {
-    zel::P<ITestItem> const& item = m_items[static_cast<std::size_t>(index)];
-    return item == nullptr ? nullItemName : item->getName();
+    std::puts(helpText);
+    for (std::size_t i = 0; i < m_items.size(); ++i)
+    {
+        printItem(m_items, static_cast<int>(i));
+    }
+    std::string line;
+    do
+    {
+        std::fflush(stdout);
+        // An ended stream leaves the string alone, and each line read from it is an empty one.
+        line.clear();
+        std::getline(std::cin, line);
+    } while (!handleSelectionInput(line));
+}
+
+bool CConsoleTestRunner::handleSelectionInput(std::string const& line)
+{
+    return CSelectionLine(*this, m_items, m_selected).apply(line);
 }
 
 void CConsoleTestRunner::toggleItem(int index)
@@ -291,7 +328,7 @@ std::vector<int> CConsoleTestRunner::findItems(std::vector<std::string> const& t
     for (std::size_t i = 0; i < m_items.size(); ++i)
     {
         int const index = static_cast<int>(i);
-        if (containsAll(toLower(nameOf(index)), terms))
+        if (containsAll(toLower(nameOf(m_items, index)), terms))
         {
             found.push_back(index);
         }
