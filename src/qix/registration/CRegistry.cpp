@@ -3,6 +3,7 @@
 #include <qix/ITestItemFactory.h>
 #include <zel/CError.h>
 
+#include "guards/posix/CForkLock.h"
 #include "registration/invalidNames.h"
 #include "text/decodedText.h"
 #include "text/forcedUnwind.h"
@@ -29,6 +30,7 @@ ITestItem::Duration durationOf(RegisteredTest const& test)
 /// each. They live as long as the process, and this longer: it is made while the library is loaded,
 /// before any group can be. Different groups may belong to different threads.
 std::mutex testMemoryMutex;
+CForkLock const testMemoryLockedWhileForking(testMemoryMutex);
 std::pmr::monotonic_buffer_resource testMemory;
 
 /// A test whose body is a function.

@@ -1,5 +1,7 @@
 #include "support/CWxLogCapture.h"
 
+#include "guards/posix/CForkLock.h"
+
 #include <wx/debug.h>
 #include <wx/log.h>
 #include <wx/thread.h>
@@ -156,15 +158,12 @@ void CWithholder::onAssert(wxString const& file, int line, wxString const& funct
     }
 }
 
-std::mutex& withholderMutex()
-{
-    static std::mutex mutex;
-    return mutex;
-}
+std::mutex withholderMutex;
+CForkLock const withholderLockedWhileForking(withholderMutex);
 
 } // namespace
 
-CWxLogCapture::CWxLogCapture() : m_lock(withholderMutex())
+CWxLogCapture::CWxLogCapture() : m_lock(withholderMutex)
 {
     withholder().begin();
 }

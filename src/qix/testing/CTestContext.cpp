@@ -3,6 +3,8 @@
 #include <qix/CTestAbortedException.h>
 #include <qix/CTestSkippedException.h>
 
+#include "guards/posix/CForkGuard.h"
+#include "guards/posix/CForkLock.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
 
@@ -17,6 +19,7 @@ namespace
 /// Guards the chain of all runs and what they have noted. Both outlive every thread. Nothing of a
 /// test's own is called under it: that may wait for a thread that is about to check something.
 std::mutex runsMutex;
+CForkLock const runsLockedWhileForking(runsMutex);
 CTestContext* innermostOfProcess = nullptr;
 thread_local CTestContext* innermostOfThread = nullptr;
 
@@ -161,6 +164,7 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::tryStep(char const* name, detail::C
 {
     try
     {
+        CForkGuard const guard;
         step();
         return true;
     }

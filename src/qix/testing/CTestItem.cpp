@@ -1,6 +1,7 @@
 #include <qix/CTestItem.h>
 #include <zel/String.h>
 
+#include "guards/posix/CForkLock.h"
 #include "testing/CTestContext.h"
 #include "text/decodedText.h"
 
@@ -13,11 +14,8 @@ namespace
 {
 
 /// Tests log from threads of their own.
-std::mutex& logMutex()
-{
-    static std::mutex mutex;
-    return mutex;
-}
+std::mutex logMutex;
+CForkLock const logLockedWhileForking(logMutex);
 
 } // namespace
 
@@ -53,7 +51,7 @@ void CTestItem::getSubItems(std::vector<zel::P<ITestItem>>& out)
 
 void CTestItem::log(zel::String const& line)
 {
-    std::lock_guard<std::mutex> const lock(logMutex());
+    std::lock_guard<std::mutex> const lock(logMutex);
     m_logLines.push_back(line);
 }
 

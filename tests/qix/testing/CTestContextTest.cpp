@@ -121,4 +121,42 @@ TEST(CTestContext, aRunDoesNotEndWhileAThreadRecordsALine)
     thread.join();
 }
 
+/// Forks again and again while another thread does what each child does, too.
+/// \return how many children have ended with it
+int countForksWhileAnotherThreadWorks(std::function<void()> const& work)
+{
+    int count = 0;
+    std::atomic<bool> isStopped{false};
+    std::thread thread(
+        [&]
+        {
+            while (!isStopped)
+            {
+                work();
+            }
+        });
+    auto const workOnce = [&work]
+    {
+        work();
+        return 0;
+    };
+    while (count < 200 && statusOf(workOnce) == 0)
+    {
+        ++count;
+    }
+    isStopped = true;
+    thread.join();
+    return count;
+}
+
+TEST(CTestContext, forkedChildrenMayCheckWhateverOtherThreadsDo)
+{
+    test::run([] { EXPECT_EQ(countForksWhileAnotherThreadWorks([] { QIX_CHECK(1 == 2); }), 200); });
+}
+
+TEST(CTestContext, forkedChildrenMayRecordWhateverOtherThreadsDo)
+{
+    test::run([] { EXPECT_EQ(countForksWhileAnotherThreadWorks([] { qix::log("line"); }), 200); });
+}
+
 } // namespace

@@ -1,10 +1,9 @@
 #include "guards/posix/CForkGuard.h"
 
-#include <atomic>
+#include "guards/posix/processGeneration.h"
+
 #include <cstdio>
 #include <cstdlib>
-
-#include <pthread.h>
 
 namespace qix
 {
@@ -14,31 +13,15 @@ namespace
 
 constexpr int exitStrayProcess = 2;
 
-/// How many forks lie between the start of the program and this process. Counted, because asking
-/// for the process's number costs a system call for each test.
-std::atomic<unsigned> g_forks = 0;
-
-void countFork() noexcept
-{
-    ++g_forks;
-}
-
-struct ForksCountedFromLoadOn
-{
-    ForksCountedFromLoadOn() noexcept { pthread_atfork(nullptr, nullptr, &countFork); }
-};
-
-ForksCountedFromLoadOn const forksCountedFromLoadOn;
-
 } // namespace
 
-CForkGuard::CForkGuard() noexcept : m_forks(g_forks)
+CForkGuard::CForkGuard() noexcept : m_generation(processGeneration())
 {
 }
 
 CForkGuard::~CForkGuard()
 {
-    if (g_forks != m_forks)
+    if (processGeneration() != m_generation)
     {
         std::fputs("Error: a process that a test has forked came back from the test; it ends here. "
                    "Let it call _exit().\n",

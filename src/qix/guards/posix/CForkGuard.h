@@ -15,7 +15,7 @@ public:
     CForkGuard& operator=(CForkGuard const&) = delete;
 
 private:
-    unsigned m_forks;
+    unsigned m_generation;
 };
 
 } // namespace qix
