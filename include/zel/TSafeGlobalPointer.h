@@ -7,8 +7,10 @@
 #include <zel/P.h>
 #include <zel/thread.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <new>
 
 namespace zel
 {
@@ -78,7 +80,32 @@ public:
         setState(notUsable);
         // The word is read after the object's life has ended, which the compiler takes for
         // impossible: without this it drops the store.
-        __asm__ __volatile__("" : : "m"(m_state) : "memory");
+        hidden(&m_state);
+    }
+
+    /// Places a global into \p storage, whose state word the constructor may have to leave alone.
+    /// From g++ 16 on it is placing itself that makes the storage undefined, in the caller. Here
+    /// the compiler loses sight of which storage it is; it does not where `::new` is used.
+    static void* operator new(std::size_t, void* storage) noexcept
+    {
+        return hidden(storage);
+    }
+
+    /// Allocates a global as any other object. Throws std::bad_alloc.
+    static void* operator new(std::size_t size)
+    {
+        return ::operator new(size);
+    }
+
+    /// Frees what the constructor of a placed global has left when it throws: nothing.
+    static void operator delete(void*, void*) noexcept
+    {
+    }
+
+    /// Frees an allocated global.
+    static void operator delete(void* allocated) noexcept
+    {
+        ::operator delete(allocated);
     }
 
     /// The object. Waits while it is under construction, and for ever once it has been released.
@@ -87,7 +114,7 @@ public:
     {
         for (;;)
         {
-            std::uint64_t const state = __atomic_load_n(&m_state, __ATOMIC_SEQ_CST);
+            std::uint64_t const state = __atomic_load_n(hidden(&m_state), __ATOMIC_SEQ_CST);
             if (state == constructed)
             {
                 return m_object;
@@ -106,9 +133,18 @@ private:
     static constexpr std::uint64_t failed = 0xfe3493ad1f6783bdULL;
     static constexpr std::uint64_t notUsable = 0;
 
+    /// The same address, of which the compiler no longer knows what it belongs to. It has to take
+    /// the empty statement for code that reads and writes what is there.
+    template <typename U>
+    static U* hidden(U* address) noexcept
+    {
+        __asm__ __volatile__("" : "+r"(address) : : "memory");
+        return address;
+    }
+
     void setState(std::uint64_t state) noexcept
     {
-        __atomic_store_n(&m_state, state, __ATOMIC_SEQ_CST);
+        __atomic_store_n(hidden(&m_state), state, __ATOMIC_SEQ_CST);
     }
 
     P<T> m_object;

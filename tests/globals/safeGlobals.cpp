@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <thread>
@@ -141,6 +142,40 @@ void failedStateThrows()
     guard().reset();
 }
 
+/// An access that sees the whole of the object's life, and the store before it.
+__attribute__((noinline, flatten)) bool throwsWhereFailed(void* storage)
+{
+    std::memcpy(static_cast<char*>(storage) + 8, &failed, sizeof(failed));
+    Global* const global = new (storage) Global(&guard, &create);
+    bool thrown = false;
+    try
+    {
+        global->get();
+    }
+    catch (zel::CError const&)
+    {
+        thrown = true;
+    }
+    global->~Global();
+    return thrown;
+}
+
+void failedStateThrowsInOneFunction()
+{
+    alignas(Global) unsigned char storage[sizeof(Global)] = {};
+    guard().setStarted();
+    that(throwsWhereFailed(storage), "an access throws where the object's whole life is seen");
+    that(stateIn(storage) == 0, "the destructor has set that state to 0");
+    guard().reset();
+}
+
+void allocatedGlobalWorks()
+{
+    auto const global = std::make_unique<Global>(&guard, &create);
+    that(global->get() != nullptr, "an allocated global makes its object");
+    guard().reset();
+}
+
 Global* g_static = nullptr;
 
 P<Thing> get()
@@ -221,6 +256,8 @@ void check::safeGlobals()
     destructorStoresZero();
     failureIsStored();
     failedStateThrows();
+    failedStateThrowsInOneFunction();
+    allocatedGlobalWorks();
     creatorIsTriedAgain();
     threadsGetOneObject();
 }
