@@ -18,6 +18,8 @@ A case is a file cases/NAME.json:
         kill after a text on standard output; the run is killed when it has been seen
         folders    folders that exist before the run, with their permissions: {"work": "755"}
         needs root true when the executable changes its user
+        join empty lines
+                   true when their number is a library's own, whose versions differ in it
 
 The expected file expected/NAME.txt tells the exit status, both outputs and every file and folder
 that each run leaves behind. Lines begin with "|"; "\\" begins an escape, and a last line without
@@ -174,7 +176,10 @@ class Run:
             yield title + ": (empty)"
             return
         yield title + ":"
-        for line in self.blank(data).splitlines(keepends=True):
+        data = self.blank(data)
+        if self.settings.get("join empty lines"):
+            data = re.sub(rb"\n\n+", b"\n\n", data)
+        for line in data.splitlines(keepends=True):
             ended = line.endswith(b"\n")
             yield "|" + escaped(line[:-1] if ended else line) + ("" if ended else "\\(no line end)")
 
