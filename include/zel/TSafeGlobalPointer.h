@@ -85,7 +85,7 @@ public:
 
     /// Places a global into \p storage, whose state word the constructor may have to leave alone.
     /// From g++ 16 on it is placing itself that makes the storage undefined, in the caller. Here
-    /// the compiler loses sight of which storage it is; it does not where `::new` is used.
+    /// the compiler loses sight of which storage it is; the global operator would not do that.
     static void* operator new(std::size_t, void* storage) noexcept
     {
         return hidden(storage);

@@ -57,8 +57,10 @@ protected:
         return addTo(*m_root, name, std::move(work), duration);
     }
 
-    static CFunctionTestItem& addTo(qix::CTestItemGroup& group, std::string const& name,
-                                    Work work = Work(), Duration duration = Duration::Short)
+    // Not static: from 13 on, g++ suspects what a function without an object returns by reference
+    // to belong to the name.
+    CFunctionTestItem& addTo(qix::CTestItemGroup& group, std::string const& name,
+                             Work work = Work(), Duration duration = Duration::Short)
     {
         auto const item = zel::newObj<CFunctionTestItem>(name, std::move(work), duration);
         group.addSubItem(item);
