@@ -3,9 +3,13 @@
 # qix_places_below(<folder> <target>).
 
 function(qix_options)
+    set(standard 17)
+    if(CMAKE_CXX_STANDARD)
+        set(standard "${CMAKE_CXX_STANDARD}")
+    endif()
     foreach(target IN LISTS ARGN)
         set_target_properties(${target} PROPERTIES
-            CXX_STANDARD 17
+            CXX_STANDARD ${standard}
             CXX_STANDARD_REQUIRED ON
             CXX_EXTENSIONS OFF
             CXX_VISIBILITY_PRESET hidden
