@@ -17,7 +17,7 @@ namespace qix
 
 namespace detail
 {
-class CRegistry;
+class CTestMaker;
 }
 
 /// The base class of leaf tests. A test derives from it and overrides body(), and whichever of
@@ -99,7 +99,7 @@ protected:
     }
 
 private:
-    friend class detail::CRegistry;
+    friend class detail::CTestMaker;
 
     void logBytes(std::string_view line);
 

@@ -9,15 +9,12 @@ namespace qix
 namespace attributes
 {
 
-/// See ITestItem::Duration. Small, since a run may have a million tests.
-enum Duration : unsigned char
-{
-    None = ITestItem::None,
-    Short = ITestItem::Short,
-    Long = ITestItem::Long,
-    VeryLong = ITestItem::VeryLong,
-    Hours = ITestItem::Hours
-};
+/// See ITestItem::Duration.
+constexpr ITestItem::Duration None = ITestItem::None;
+constexpr ITestItem::Duration Short = ITestItem::Short;
+constexpr ITestItem::Duration Long = ITestItem::Long;
+constexpr ITestItem::Duration VeryLong = ITestItem::VeryLong;
+constexpr ITestItem::Duration Hours = ITestItem::Hours;
 
 /// The test needs a human at the console.
 enum Interactivity

@@ -10,20 +10,26 @@ namespace qix::detail
 /// The attributes of one test: one of each kind at most, in any order.
 struct Attributes
 {
-    constexpr Attributes() noexcept = default;
-    constexpr Attributes(attributes::Duration d) noexcept : duration(d) {}
-    constexpr Attributes(attributes::Interactivity) noexcept : interactive(true) {}
-    constexpr Attributes(attributes::Duration d, attributes::Interactivity) noexcept
+    constexpr Attributes(ITestItem::Duration d = ITestItem::Short) noexcept
+        : duration(d), interactive(false)
+    {
+    }
+    constexpr Attributes(attributes::Interactivity) noexcept
+        : Attributes(ITestItem::Short, attributes::Interactive)
+    {
+    }
+    constexpr Attributes(ITestItem::Duration d, attributes::Interactivity) noexcept
         : duration(d), interactive(true)
     {
     }
-    constexpr Attributes(attributes::Interactivity, attributes::Duration d) noexcept
-        : duration(d), interactive(true)
+    constexpr Attributes(attributes::Interactivity, ITestItem::Duration d) noexcept
+        : Attributes(d, attributes::Interactive)
     {
     }
 
-    attributes::Duration duration = attributes::Short;
-    bool interactive = false;
+    // Packed, since a run may have a million tests.
+    ITestItem::Duration duration : 8;
+    bool interactive : 1;
 };
 
 /// Registers one test while the module that contains it is loaded.

@@ -1,6 +1,6 @@
 #include "registration/CRegisteredGroup.h"
 
-#include "registration/CRegistry.h"
+#include "registration/CTestMaker.h"
 
 #include <variant>
 
@@ -9,6 +9,17 @@ namespace qix::detail
 
 namespace
 {
+
+zel::P<ITestItem> makeItem(zel::P<CRegisteredGroup> const& group)
+{
+    return group;
+}
+
+template <typename Test>
+zel::P<ITestItem> makeItem(Test const& test)
+{
+    return CTestMaker::make(test);
+}
 
 class CFlagWhileAlive
 {
@@ -25,11 +36,12 @@ private:
 } // namespace
 
 CRegisteredGroup::CRegisteredGroup(CRegisteredGroup* parent, std::string const& path,
-                                   SourceLocation const& location)
+                                   SourceLocation const& location, void (*checkNames)())
     : CTestItemGroup(path.substr(path.rfind('.') + 1)),
       m_parent(parent),
       m_path(path),
-      m_location(location)
+      m_location(location),
+      m_checkNames(checkNames)
 {
 }
 
@@ -63,15 +75,15 @@ void CRegisteredGroup::getSubItems(std::vector<zel::P<ITestItem>>& out)
     CTestItemGroup::getSubItems(out);
 }
 
-/// A child that cannot be made stays pending.
+/// A child that could not be made stays pending.
 void CRegisteredGroup::makePendingChildren()
 {
-    // The making of a child may ask for its siblings, and gets those in front of it.
+    // A fixture's constructor may ask for its siblings: it gets those that are made already.
     if (m_isMaking || m_madeCount == m_registered.size())
     {
         return;
     }
-    CRegistry::get().throwInvalidNames();
+    m_checkNames();
     if (m_subItems.empty())
     {
         m_subItems.reserve(m_registered.size());
@@ -79,8 +91,7 @@ void CRegisteredGroup::makePendingChildren()
     CFlagWhileAlive const making(m_isMaking);
     for (; m_madeCount < m_registered.size(); ++m_madeCount)
     {
-        m_subItems.push_back(std::visit([](auto const& child)
-                                        { return CRegistry::makeItem(child); },
+        m_subItems.push_back(std::visit([](auto const& child) { return makeItem(child); },
                                         m_registered[m_madeCount]));
     }
 }

@@ -12,26 +12,27 @@
 namespace qix::detail
 {
 
-/// A group that tests are registered with by their macros.
+/// A group of tests that are registered by macros.
 ///
-/// It makes its children itself, in the order of their registration: a factory for each test would
-/// be one object more, before main() and whether the test is run or not.
+/// It makes its children itself, in registration order: a factory for each test would be one more
+/// object, made before main() and whether or not the test runs.
 class CRegisteredGroup : public CTestItemGroup
 {
 public:
     using Child = std::variant<RegisteredFunction, RegisteredFixture, zel::P<CRegisteredGroup>>;
 
-    /// \param parent  null when the group is a child of the root; outlives this group
-    /// \param place   where the first test in the group, or below it, is written
+    /// \param parent      null when the group is a child of the root; outlives this group
+    /// \param location    where the first test in the group, or below it, is written
+    /// \param checkNames  called before children are made; throws when a name is invalid
     CRegisteredGroup(CRegisteredGroup* parent, std::string const& path,
-                     SourceLocation const& location);
+                     SourceLocation const& location, void (*checkNames)());
 
     /// The dotted path of the group, whose last component is its name.
     std::string const& getPath() const noexcept { return m_path; }
 
     SourceLocation getLocation() const noexcept { return m_location; }
 
-    /// What has been registered, made or not, in that order.
+    /// The children in registration order, whether or not their items are made.
     std::deque<Child> const& getRegistered() const noexcept { return m_registered; }
 
     template <typename Test>
@@ -46,7 +47,7 @@ public:
 
     void addGroup(zel::P<CRegisteredGroup> const& group);
 
-    /// Knows of the tests that are registered below it, made or not.
+    /// Counts registered tests below it whose items are not made yet, too.
     bool containsAnyInteractive() const override;
 
     void run(ITestRunner* runner) override;
@@ -59,6 +60,7 @@ private:
     CRegisteredGroup* m_parent;
     std::string m_path;
     SourceLocation m_location;
+    void (*m_checkNames)();
     std::deque<Child> m_registered;
     std::size_t m_madeCount = 0; ///< how many of the registered children are made
     bool m_isMaking = false;

@@ -3,17 +3,11 @@
 #include <qix/ITestItemFactory.h>
 #include <zel/CError.h>
 
-#include "guards/posix/CForkLock.h"
 #include "registration/invalidNames.h"
 #include "text/decodedText.h"
-#include "text/forcedUnwind.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <exception>
-#include <memory_resource>
-#include <mutex>
-#include <utility>
 
 namespace qix::detail
 {
@@ -21,61 +15,13 @@ namespace qix::detail
 namespace
 {
 
-ITestItem::Duration durationOf(RegisteredTest const& test)
+void throwIfNamesAreInvalid()
 {
-    return static_cast<ITestItem::Duration>(test.attributes.duration);
+    CRegistry::get().throwInvalidNames();
 }
 
-/// Where the tests of functions lie, side by side, which is quicker than a piece of the heap for
-/// each. They live as long as the process, and this longer: it is made while the library is loaded,
-/// before any group can be. Different groups may belong to different threads.
-std::mutex testMemoryMutex;
-CForkLock const testMemoryLockedWhileForking(testMemoryMutex);
-std::pmr::monotonic_buffer_resource testMemory;
-
-/// A test whose body is a function.
-class CFunctionTest : public CTestItem
-{
-public:
-    explicit CFunctionTest(RegisteredFunction const& test)
-        : CTestItem(test.name, durationOf(test), test.attributes.interactive), m_body(test.body)
-    {
-    }
-
-    static void* operator new(std::size_t size)
-    {
-        std::lock_guard<std::mutex> const lock(testMemoryMutex);
-        return testMemory.allocate(size);
-    }
-
-    static void operator delete(void* /*test*/) noexcept {}
-
-protected:
-    void body() override { m_body(); }
-
-private:
-    void (*m_body)();
-};
-
-/// Stands for a test whose object could not be made, and fails as that did.
-class CBrokenTest : public CTestItem
-{
-public:
-    CBrokenTest(RegisteredFixture const& test, std::exception_ptr reason)
-        : CTestItem(test.name, durationOf(test), test.attributes.interactive),
-          m_reason(std::move(reason))
-    {
-    }
-
-protected:
-    void body() override { std::rethrow_exception(m_reason); }
-
-private:
-    std::exception_ptr m_reason;
-};
-
-/// Stands for a group that exists already. Among the factories of the root the group keeps its
-/// place, where an item would be put in front of all items that are still to be made.
+/// Adding a group through a factory keeps registration order: addSubItem() would put it before
+/// pending factories.
 class CGroupFactory : public zel::CBase, public virtual ITestItemFactory
 {
 public:
@@ -83,7 +29,7 @@ public:
 
     zel::P<ITestItem> createTestItem() override
     {
-        CRegistry::get().throwInvalidNames();
+        throwIfNamesAreInvalid();
         return m_group;
     }
 
@@ -91,7 +37,7 @@ private:
     zel::P<CRegisteredGroup> m_group;
 };
 
-/// The path as it is meant: "a . b" is what a macro makes of blanks between the components.
+/// The path without the blanks that QIX_TEST allows: "a . b" means "a.b".
 std::string withoutBlanks(std::string_view text)
 {
     std::string path(text);
@@ -126,7 +72,7 @@ CRegistry::CRegistry() : m_root(CTestItemGroup::global())
 
 void CRegistry::throwInvalidNames()
 {
-    if (m_acceptedCount == m_testCount)
+    if (m_validCount == m_testCount)
     {
         return;
     }
@@ -135,7 +81,7 @@ void CRegistry::throwInvalidNames()
     {
         throw zel::CError(decodedText("tests are refused: " + invalidNames));
     }
-    m_acceptedCount = m_testCount;
+    m_validCount = m_testCount;
 }
 
 std::string CRegistry::listAllInvalidNames() const
@@ -161,7 +107,7 @@ CRegisteredGroup& CRegistry::groupOf(std::string_view text, SourceLocation const
     return *m_lastGroup;
 }
 
-/// The group of the path; all groups above it are made as well, when they are missing.
+/// The group of the path. Missing groups above it are made as well.
 CRegisteredGroup& CRegistry::groupAt(std::string const& path, SourceLocation const& location)
 {
     auto const known = m_groups.find(path);
@@ -174,50 +120,15 @@ zel::P<CRegisteredGroup> CRegistry::makeGroup(std::string const& path,
     std::size_t const dot = path.rfind('.');
     if (dot == std::string::npos)
     {
-        auto group = zel::newObj<CRegisteredGroup>(nullptr, path, location);
+        auto group =
+            zel::newObj<CRegisteredGroup>(nullptr, path, location, &throwIfNamesAreInvalid);
         m_root->addFactory(zel::newObj<CGroupFactory>(group));
         return group;
     }
     CRegisteredGroup& parent = groupAt(path.substr(0, dot), location);
-    auto group = zel::newObj<CRegisteredGroup>(&parent, path, location);
+    auto group = zel::newObj<CRegisteredGroup>(&parent, path, location, &throwIfNamesAreInvalid);
     parent.addGroup(group);
     return group;
-}
-
-zel::P<ITestItem> CRegistry::makeItem(RegisteredFunction const& test)
-{
-    return zel::newObj<CFunctionTest>(test);
-}
-
-QIX_CATCHES_FORCED_UNWIND zel::P<ITestItem> CRegistry::makeItem(RegisteredFixture const& test)
-{
-    try
-    {
-        return constructTest(test);
-    }
-    catch (abi::__forced_unwind const&)
-    {
-        // The thread is being cancelled, which nobody may stop.
-        throw;
-    }
-    catch (...)
-    {
-        return zel::newObj<CBrokenTest>(test, std::current_exception());
-    }
-}
-
-zel::P<ITestItem> CRegistry::makeItem(zel::P<CRegisteredGroup> const& group)
-{
-    return group;
-}
-
-zel::P<ITestItem> CRegistry::constructTest(RegisteredFixture const& test)
-{
-    zel::P<CTestItem> const item(test.make());
-    item->m_name = test.name;
-    item->m_duration = durationOf(test);
-    item->m_interactive = test.attributes.interactive;
-    return item;
 }
 
 } // namespace qix::detail

@@ -14,11 +14,11 @@
 namespace qix::detail
 {
 
-/// All tests of the process that are registered by macros. They are put below the root group.
+/// All tests of the process that are registered by macros, in groups below the root group.
 ///
-/// Before main() a test is only noted: its object is made, and names are compared, when they are
-/// needed. What should not have been registered is refused then: instead of giving its children to
-/// a runner, the root group throws an error that tells of all invalidNames.
+/// Before main() a test is only recorded: its item is made, and names are compared, when a group is
+/// asked for its children. If a name is invalid, the group throws an error that lists all invalid
+/// names instead.
 class CRegistry
 {
 public:
@@ -32,20 +32,11 @@ public:
         ++m_testCount;
     }
 
-    /// Throws the error that tells of all invalidNames, if there are any.
+    /// Throws a CError that lists all invalid names, if there are any.
     void throwInvalidNames();
-
-    static zel::P<ITestItem> makeItem(RegisteredFunction const& test);
-
-    /// If the class cannot be constructed, the item is a test that fails for that reason.
-    static zel::P<ITestItem> makeItem(RegisteredFixture const& test);
-
-    static zel::P<ITestItem> makeItem(zel::P<CRegisteredGroup> const& group);
 
 private:
     CRegistry();
-
-    static zel::P<ITestItem> constructTest(RegisteredFixture const& test);
 
     std::string listAllInvalidNames() const;
     CRegisteredGroup& groupOf(std::string_view text, SourceLocation const& location);
@@ -56,11 +47,11 @@ private:
     std::map<std::string, zel::P<CRegisteredGroup>> m_groups; ///< by path
     std::size_t m_testCount = 0;
 
-    /// How many tests there were when nothing was refused. Atomic, since the groups that ask may
-    /// belong to different threads.
-    std::atomic<std::size_t> m_acceptedCount{0};
+    /// How many tests there were when all names were valid. Atomic, since groups may belong to
+    /// different threads.
+    std::atomic<std::size_t> m_validCount{0};
 
-    // Tests of one group stand together, mostly.
+    // A cache: consecutive tests mostly belong to the same group.
     std::string_view m_lastText;
     CRegisteredGroup* m_lastGroup = nullptr;
 };

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 namespace qix::detail
@@ -98,42 +99,48 @@ void listDuplicates(CRegisteredGroup const& group, std::vector<std::string>& inv
     }
 }
 
-std::vector<std::uint64_t> hashesOfNames(std::deque<Child> const& children)
+/// A set of hashes that only grows, for a known number of them.
+class CHashSet
 {
-    std::vector<std::uint64_t> hashes(children.size());
-    std::transform(children.begin(), children.end(), hashes.begin(),
-                   [](Child const& child)
-                   { return std::hash<std::string_view>()(named(child).name); });
-    return hashes;
-}
+public:
+    explicit CHashSet(std::size_t count)
+    {
+        std::size_t size = 1;
+        while (size < 2 * count)
+        {
+            size *= 2;
+        }
+        m_slots.resize(size);
+    }
+
+    /// False when the hash is there already, or seldom when another one is.
+    bool insert(std::uint64_t hash)
+    {
+        // Open addressing: the low half of a hash picks the slot, the high half is stored. A slot
+        // with 0 is free.
+        std::uint32_t const stored = static_cast<std::uint32_t>(hash >> 32U) | 1U;
+        std::size_t const last = m_slots.size() - 1;
+        std::size_t slot = hash & last;
+        while (m_slots[slot] != 0 && m_slots[slot] != stored)
+        {
+            slot = (slot + 1) & last;
+        }
+        return std::exchange(m_slots[slot], stored) != stored;
+    }
+
+private:
+    std::vector<std::uint32_t> m_slots;
+};
 
 /// Never false when two children have the same name, and seldom true when none have: compares
 /// hashes, since comparing all names takes longer than running tests that do nothing.
 bool mayHaveDuplicates(std::deque<Child> const& children)
 {
-    std::size_t size = 1;
-    while (size < 2 * children.size())
-    {
-        size *= 2;
-    }
-    // Halves of hashes, each behind the place that the other half tells: it is cache misses that
-    // take time.
-    std::vector<std::uint32_t> marks(size);
-    for (std::uint64_t const hash : hashesOfNames(children))
-    {
-        std::uint32_t const mark = static_cast<std::uint32_t>(hash >> 32U) | 1U;
-        std::size_t slot = hash & (size - 1);
-        while (marks[slot] != 0 && marks[slot] != mark)
-        {
-            slot = (slot + 1) & (size - 1);
-        }
-        if (marks[slot] == mark)
-        {
-            return true;
-        }
-        marks[slot] = mark;
-    }
-    return false;
+    CHashSet hashes(children.size());
+    return !std::all_of(children.begin(), children.end(),
+                        [&hashes](Child const& child) {
+                            return hashes.insert(std::hash<std::string_view>()(named(child).name));
+                        });
 }
 
 } // namespace
