@@ -1,6 +1,7 @@
 #include <qix/CConsoleTestRunner.h>
 #include <qix/main.h>
 
+#include "guards/exitStatus.h"
 #include "guards/posix/CExitGuard.h"
 #include "program/posix/standardDescriptors.h"
 #include "program/posix/standardInput.h"
@@ -19,11 +20,6 @@ namespace qix
 
 namespace
 {
-
-constexpr int exitAllPassed = 0;
-constexpr int exitNotAllPassed = 1;
-constexpr int exitNothingRun = 2;
-constexpr int exitOutputLost = 2;
 
 void printHowToSelect(std::string const& program)
 {
@@ -75,7 +71,7 @@ int runSelection(char** begin, char** end)
     {
         printError("the test run was ended by an exception that is no std::exception.");
     }
-    return exitNothingRun;
+    return exitNoVerdict;
 }
 
 int runArguments(int argc, char** argv)
@@ -84,7 +80,7 @@ int runArguments(int argc, char** argv)
     if (argc <= programNames && hasStandardInputEnded())
     {
         printHowToSelect(argc > 0 ? argv[0] : "test");
-        return exitNothingRun;
+        return exitNoVerdict;
     }
     return runSelection(argv + programNames, argv + argc);
 }
@@ -98,7 +94,7 @@ int withOutputChecked(int status)
         return status;
     }
     printError("standard output could not be written; a part of it is lost.");
-    return status == exitAllPassed ? exitOutputLost : status;
+    return status == exitAllPassed ? exitNoVerdict : status;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "guards/posix/CExitGuard.h"
 
+#include "guards/exitStatus.h"
+
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +15,6 @@ namespace qix
 namespace
 {
 
-constexpr int exitCutShort = 2;
 constexpr pid_t none = 0;
 
 std::atomic<pid_t> g_runningProcess = none;
@@ -31,7 +32,7 @@ struct EndOfProcess
                 "names the test.\n",
                 stderr);
             std::fflush(nullptr);
-            std::_Exit(exitCutShort);
+            std::_Exit(exitNoVerdict);
         }
     }
 };

@@ -1,5 +1,6 @@
 #include "guards/posix/CForkGuard.h"
 
+#include "guards/exitStatus.h"
 #include "guards/posix/processGeneration.h"
 
 #include <cstdio>
@@ -7,13 +8,6 @@
 
 namespace qix
 {
-
-namespace
-{
-
-constexpr int exitStrayProcess = 2;
-
-} // namespace
 
 CForkGuard::CForkGuard() noexcept : m_generation(processGeneration())
 {
@@ -26,7 +20,7 @@ CForkGuard::~CForkGuard()
         std::fputs("Error: a process that a test has forked came back from the test; it ends here. "
                    "Let it call _exit().\n",
                    stderr);
-        std::_Exit(exitStrayProcess);
+        std::_Exit(exitNoVerdict);
     }
 }
 
