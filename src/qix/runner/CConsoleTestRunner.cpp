@@ -53,6 +53,13 @@ void printAsFormat(std::string const& format)
 }
 #pragma GCC diagnostic pop
 
+/// Takes back one level, as far as there is one.
+void outdent(std::string& indent)
+{
+    constexpr std::size_t width = sizeof(indentOfOneLevel) - 1;
+    indent.resize(indent.size() < width ? indent.size() : indent.size() - width);
+}
+
 void printProgress(char character)
 {
     std::putchar(character);

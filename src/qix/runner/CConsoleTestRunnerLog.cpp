@@ -6,24 +6,6 @@
 namespace qix
 {
 
-namespace
-{
-
-/// Indents the log by one level more while it lives.
-class CIndentation
-{
-public:
-    explicit CIndentation(std::string& indent) : m_indent(indent) { m_indent += indentOfOneLevel; }
-    ~CIndentation() { outdent(m_indent); }
-    CIndentation(CIndentation const&) = delete;
-    CIndentation& operator=(CIndentation const&) = delete;
-
-private:
-    std::string& m_indent;
-};
-
-} // namespace
-
 void CConsoleTestRunner::openLog()
 {
     closeLog();
@@ -70,10 +52,9 @@ void CConsoleTestRunner::logItemOutput(ITestItem* item)
         return;
     }
     logIndent("Output:\n");
-    CIndentation const indentation(m_indent);
     for (zel::String const& line : lines)
     {
-        logIndent(line.toCPSafe());
+        logIndent(indentOfOneLevel + line.toCPSafe());
         logNoIndent("\n");
     }
 }
