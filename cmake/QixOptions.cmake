@@ -29,11 +29,15 @@ function(qix_options)
     endforeach()
 endfunction()
 
-# The names to show are in exports.map beside the library's CMakeLists.txt. Visibility alone does
-# not do it: it leaves every function template of the standard library in sight whose arguments are
-# visible, and those differ from compiler to compiler.
+# Shows the names of the namespace that is called as the target is. Visibility alone does not do it:
+# it leaves every function template of the standard library in sight whose arguments are visible, and
+# those differ from compiler to compiler.
+set(qix_exports_template "${CMAKE_CURRENT_LIST_DIR}/exports.map.in")
 function(qix_exports target)
-    set(map "${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
+    set(map "${CMAKE_CURRENT_BINARY_DIR}/exports.map")
+    string(LENGTH "${target}" length)
+    set(prefix "${length}${target}")
+    configure_file("${qix_exports_template}" "${map}" @ONLY)
     target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${map}")
 endfunction()
