@@ -8,11 +8,12 @@ namespace zel
 
 /// Removes the folder \p path with everything in it; does nothing when nothing is there.
 ///
-/// Symbolic links are never followed: those inside go as links, and so does one that stands at
-/// the path itself. Folders inside whose permissions were taken away are opened up first. What
-/// others put in or take out meanwhile does not lead the removal out of the folder.
+/// Symbolic links are never followed, also when another process swaps a folder for a link
+/// meanwhile: links inside are removed as links, and so is one at the path itself. Folders whose
+/// owner may not enter or change them are opened up.
 /// Throws CError when the path leads to a file, which stays, when it ends in "." or "..", and when
-/// something cannot be removed; what was removed before stays removed.
+/// something cannot be removed, for example because another process adds files; what was removed
+/// before stays removed.
 /// Safe to call from any thread, and while static objects are destroyed.
 ZEL_EXPORT void unlinkFolder(TPathImpl<CUnixPathTraits> const& path);
 

@@ -3,6 +3,8 @@
 #include <zel/TPathImpl.h>
 #include <zel/filesystem.h>
 
+#include "isDots.h"
+
 #include <algorithm>
 #include <cstdint>
 
@@ -23,11 +25,6 @@ std::int32_t lengthOf(String const& text)
 bool endsWithSeparator(String const& text)
 {
     return !text.empty() && *text.rbegin() == separator;
-}
-
-bool isDots(String const& component)
-{
-    return component == "." || component == "..";
 }
 
 bool isPlainComponent(String const& text, String const& separators)

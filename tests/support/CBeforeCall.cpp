@@ -156,3 +156,17 @@ QIX_REPLACES dirent* readdir(DIR* folder)
     static auto* const real = test::realOf(&readdir, "readdir");
     return test::fails("readdir") ? nullptr : real(folder);
 }
+
+#if defined(_FILE_OFFSET_BITS) && _FILE_OFFSET_BITS == 64
+// This file defines openat64() above; the C++ library calls openat().
+QIX_REPLACES int openatOfStandardLibrary(int folder, char const* path, int flags,
+                                         ...) __asm__("openat");
+int openatOfStandardLibrary(int folder, char const* path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    mode_t const mode = test::modeOf(flags, arguments);
+    va_end(arguments);
+    return openat(folder, path, flags, mode);
+}
+#endif
