@@ -7,6 +7,8 @@
 #include <wx/thread.h>
 
 #include <atomic>
+#include <cstddef>
+#include <cstdlib>
 #include <new>
 
 namespace qix
@@ -15,53 +17,17 @@ namespace qix
 namespace
 {
 
-struct Diagnostic
-{
-    char const* theirs; ///< part of the untranslated message
-    char const* ours;
-};
-
-constexpr Diagnostic diagnostics[] = {
-    {"Failed to read config options", "its bytes are not valid in its encoding"},
-    {"ignored after group header", "there is text behind a group header"},
-    {"'=' expected", "a line has no '='"},
-    {"was first found at line", "a key stands in its group twice"},
-    {"unexpected character", "a group header has no ']'"},
-    {"Environment variables expansion failed", "a value has a '${' or '$(' that is not closed"},
-    {"trailing backslash", "a value ends in a backslash"},
-    {"unexpected \" at position", "there is text behind a quoted value"},
-    {"immutable key", "a value for an immutable key is ignored"},
-    {"has extra '..'", "'..' climbs above the outermost group"},
-    {"changing line for a non-root group", "a group stands in it twice"},
-};
-
-char const* inOurWords(wxString const& message)
-{
-    for (Diagnostic const& diagnostic : diagnostics)
-    {
-        if (message.Contains(diagnostic.theirs))
-        {
-            return diagnostic.ours;
-        }
-    }
-    return nullptr;
-}
-
-/// The number behind the first "line ", which stands before anything that is quoted; 0 for none.
+/// The number behind the first "line " in a message about a line of the file, which has no name; 0
+/// in other messages, since a number in those may be a part of a quoted value.
 unsigned long lineNumberOf(wxString const& message)
 {
     static constexpr char const mark[] = "line ";
-    unsigned long number = 0;
-    for (auto i = message.find(mark); i != wxString::npos && i + 5 < message.length(); ++i)
+    std::size_t const found = message.find(mark);
+    if (!message.StartsWith("file ''") || found == wxString::npos)
     {
-        wxUniChar const digit = message[i + 5];
-        if (digit < '0' || digit > '9')
-        {
-            break;
-        }
-        number = number * 10 + (digit.GetValue() - '0');
+        return 0;
     }
-    return number;
+    return std::strtoul(message.substr(found + sizeof(mark) - 1).utf8_str(), nullptr, 10);
 }
 
 /// Notes what one thread logs and asserts, and passes on what others do.
@@ -98,7 +64,7 @@ protected:
     {
         if (isOfThisCall())
         {
-            note(message, "something in it is not understood");
+            note(message);
             return;
         }
         if (wxLog* const target = m_oldTarget)
@@ -115,17 +81,14 @@ private:
 
     bool isOfThisCall() const { return m_thread == wxThread::GetCurrentId(); }
 
-    /// \param otherwise  for messages that are not known; null notes nothing of them
-    void note(wxString const& message, char const* otherwise)
+    void note(wxString const& message)
     {
-        char const* const known = inOurWords(message);
-        char const* const words = known == nullptr ? otherwise : known;
-        if (words == nullptr || !m_diagnostic.empty())
+        if (m_diagnostic.empty())
         {
-            return;
+            unsigned long const line = lineNumberOf(message);
+            m_diagnostic = "it is not well-formed" +
+                           (line == 0 ? std::string() : " in line " + std::to_string(line));
         }
-        unsigned long const line = known == nullptr ? 0 : lineNumberOf(message);
-        m_diagnostic = (line == 0 ? "" : "line " + std::to_string(line) + ": ") + words;
     }
 
     std::atomic<wxThreadIdType> m_thread{};
@@ -149,7 +112,7 @@ void CWithholder::onAssert(wxString const& file, int line, wxString const& funct
     CWithholder& self = withholder();
     if (self.isOfThisCall())
     {
-        self.note(message, nullptr);
+        self.note(message);
         return;
     }
     if (wxAssertHandler_t const handler = self.m_oldHandler)

@@ -74,14 +74,6 @@ void fillUpToWholeCharacters(Buffer& bytes)
     std::memset(bytes.getData() + oldUsed, 0, static_cast<std::size_t>(bytes.getUsed() - oldUsed));
 }
 
-/// wxWidgets does not check its own allocations, so the memory is asked for once before.
-void ensureMemoryForParsing(Buffer const& bytes)
-{
-    constexpr std::size_t bytesPerByte = 16;
-    std::size_t const needed = static_cast<std::size_t>(bytes.getUsed()) * bytesPerByte;
-    ::operator delete(::operator new(needed));
-}
-
 /// Reads the file as wxFileConfig takes it.
 void readText(zel::CPath const& path, zel::CPosixFileInStream& file, Buffer& bytes)
 {
@@ -90,7 +82,6 @@ void readText(zel::CPath const& path, zel::CPosixFileInStream& file, Buffer& byt
         readFile(file, bytes);
         dropNulsAtEnd(bytes);
         fillUpToWholeCharacters(bytes);
-        ensureMemoryForParsing(bytes);
     }
     catch (std::bad_alloc const&)
     {
