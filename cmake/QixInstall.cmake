@@ -18,6 +18,7 @@ foreach(namespace IN ITEMS zel qix)
     install(EXPORT ${namespace}Targets NAMESPACE ${namespace}::
         DESTINATION "${QIX_CMAKEDIR}" COMPONENT development)
 endforeach()
+qix_get_wx_version(QIX_WX_VERSION)
 configure_package_config_file(
     "${CMAKE_CURRENT_LIST_DIR}/qixConfig.cmake.in" "${PROJECT_BINARY_DIR}/qixConfig.cmake"
     INSTALL_DESTINATION "${QIX_CMAKEDIR}")

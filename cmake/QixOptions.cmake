@@ -2,6 +2,22 @@
 # the project shows to others: qix_exports(<target>). Where failed checks stand, as they tell it:
 # qix_places_below(<folder> <target>).
 
+# Standard libraries before that of g++ 11 cannot write the digits that tell a number from all others.
+function(qix_expect_compiler)
+    include(CheckCXXSourceCompiles)
+    set(CMAKE_CXX_STANDARD 17)
+    set(CMAKE_CXX_STANDARD_REQUIRED ON)
+    check_cxx_source_compiles("
+        #include <charconv>
+        int main() { char digits[32]; return std::to_chars(digits, digits + 32, 0.1).ptr == digits; }"
+        QIX_HAS_FLOATING_TO_CHARS)
+    if(NOT QIX_HAS_FLOATING_TO_CHARS)
+        message(FATAL_ERROR "The standard library of ${CMAKE_CXX_COMPILER_ID} "
+            "${CMAKE_CXX_COMPILER_VERSION} lacks std::to_chars for floating-point numbers: "
+            "qix needs g++ 12 or clang++ 14, or a later one.")
+    endif()
+endfunction()
+
 function(qix_options)
     set(standard 17)
     if(CMAKE_CXX_STANDARD)

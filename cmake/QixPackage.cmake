@@ -22,6 +22,23 @@ add_custom_target(qix_changelog ALL DEPENDS "${PROJECT_BINARY_DIR}/changelog.gz"
 qix_install_package_docs(runtime ${QIX_RUNTIME_PACKAGE})
 qix_install_package_docs(development libqix-dev)
 
+# The package that the headers of wxWidgets have come with; with another one, two versions of it
+# would meet in one program.
+function(qix_get_wx_package package)
+    set(${package} "" PARENT_SCOPE)
+    find_program(QIX_DPKG dpkg)
+    get_target_property(folders wx::base INTERFACE_INCLUDE_DIRECTORIES)
+    foreach(folder IN LISTS folders)
+        if(QIX_DPKG AND EXISTS "${folder}/wx/setup.h")
+            file(REAL_PATH "${folder}/wx/setup.h" header)
+            execute_process(COMMAND "${QIX_DPKG}" --search "${header}"
+                OUTPUT_VARIABLE owner ERROR_QUIET)
+            string(REGEX REPLACE "[:,].*" "" owner "${owner}")
+            set(${package} "${owner}" PARENT_SCOPE)
+        endif()
+    endforeach()
+endfunction()
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_SOURCE_DIR}/packaging/buildForPackages.cmake")
 set(CPACK_QIX_CXX_COMPILER "${CMAKE_CXX_COMPILER}")
@@ -49,8 +66,11 @@ This package contains the libraries that a test executable needs to run.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libqix-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "${QIX_RUNTIME_PACKAGE} (= ${PROJECT_VERSION}), libwxgtk3.2-dev")
+qix_get_wx_package(wx_package)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${QIX_RUNTIME_PACKAGE} (= ${PROJECT_VERSION})")
+if(wx_package)
+    string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", ${wx_package}")
+endif()
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${QIX_ABOUT}
 
 This package contains the headers, and what CMake and pkg-config need to find

@@ -21,3 +21,18 @@ endfunction()
 if(NOT TARGET wx::base)
     qix_define_wx_base()
 endif()
+
+# The major and minor version of the headers of wx::base; empty where they do not tell it.
+function(qix_get_wx_version version)
+    get_target_property(folders wx::base INTERFACE_INCLUDE_DIRECTORIES)
+    set(numbers "")
+    foreach(folder IN LISTS folders)
+        if(EXISTS "${folder}/wx/version.h")
+            file(STRINGS "${folder}/wx/version.h" numbers
+                REGEX "^#define +wx(MAJOR|MINOR)_VERSION +[0-9]+")
+        endif()
+    endforeach()
+    list(TRANSFORM numbers REPLACE "^.* ([0-9]+).*$" "\\1")
+    list(JOIN numbers "." numbers)
+    set(${version} "${numbers}" PARENT_SCOPE)
+endfunction()

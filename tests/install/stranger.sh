@@ -1,6 +1,6 @@
 #!/bin/bash
 # Builds and runs a project that has nothing of this tree but what a user has.
-# Usage: stranger.sh findPackage | addSubdirectory | pkgConfig | debianPackages
+# Usage: stranger.sh findPackage | addSubdirectory | pkgConfig | otherWxWidgets | debianPackages
 # The environment tells the rest: QIX_SOURCE, QIX_BUILD, CMAKE, CMAKE_GENERATOR, CXX, CXXFLAGS.
 set -euo pipefail
 
@@ -67,10 +67,49 @@ pkgConfig()
     runTests env "LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH")" ./ledgerTest
 }
 
+# A wxWidgets of another version than the one that qix was built with: as much as CMake looks at.
+makeOtherWxWidgets()
+{
+    mkdir -p "$folder/wx/include/wx"
+    printf '#define wxMAJOR_VERSION      3\n#define wxMINOR_VERSION      9\n' \
+        >"$folder/wx/include/wx/version.h"
+    cat >"$folder/wx/wx-config" <<END
+#!/bin/sh
+case "\$*" in
+    *--cxxflags*) echo "'-I$folder/wx/include'" ;;
+    *--libs*) exec wx-config --libs base ;;
+    *--version*) echo 3.9.0 ;;
+esac
+END
+    chmod +x "$folder/wx/wx-config"
+}
+
+otherWxWidgets()
+{
+    installQix
+    makeOtherWxWidgets
+    cp "$here/findPackage/CMakeLists.txt" "$folder"
+    if buildWithCMake "-DCMAKE_PREFIX_PATH=$folder/prefix" \
+        "-DwxWidgets_CONFIG_EXECUTABLE=$folder/wx/wx-config" >"$folder/output" 2>&1; then
+        echo "another wxWidgets is not refused"
+        exit 1
+    fi
+    tr -s ' \n' ' ' <"$folder/output" | tee "$folder/words"
+    grep -q 'This qix was built with wxWidgets [0-9.]*, and here CMake finds the headers of wxWidgets 3.9.' \
+        "$folder/words"
+}
+
 debianPackages()
 {
     (cd "$QIX_BUILD" && "$(dirname "$CMAKE")/cpack" -G DEB -B "$folder/packages")
-    lintian --allow-root --fail-on error "$folder"/packages/*.deb
+    # It leaves files behind in the folder for temporary ones.
+    mkdir "$folder/temporary"
+    TMPDIR=$folder/temporary lintian --allow-root --fail-on error "$folder"/packages/*.deb
+    # Of two versions of wxWidgets, the headers are those that the libraries were built with.
+    dpkg-deb --field "$folder"/packages/libqix-dev_*.deb Depends | tee "$folder/depends"
+    local headers
+    headers=$(sed -n 's/.*-isystem \([^ ]*wx\/include[^ ]*\).*/\1/p' "$QIX_BUILD/zel.pc")
+    grep -q "$(dpkg --search "$(realpath "$headers")/wx/setup.h" | sed 's/[:,].*//')" "$folder/depends"
     local package
     for package in "$folder"/packages/*.deb
     do

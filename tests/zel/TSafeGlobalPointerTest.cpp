@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -102,6 +103,12 @@ TEST_F(TSafeGlobalPointer, makesTheObject)
     EXPECT_EQ(g_lastMade->getRefCount(), 2);
 
     global->~Global();
+}
+
+TEST_F(TSafeGlobalPointer, mayBeAllocated)
+{
+    auto const global = std::make_unique<Global>(&guard, &create);
+    EXPECT_EQ(global->get(), g_lastMade);
 }
 
 TEST_F(TSafeGlobalPointer, destructorSetsTheStateToZeroAndReleases)
