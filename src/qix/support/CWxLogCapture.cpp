@@ -30,6 +30,15 @@ unsigned long lineNumberOf(wxString const& message)
     return std::strtoul(message.substr(found + sizeof(mark) - 1).utf8_str(), nullptr, 10);
 }
 
+wxAssertHandler_t assertHandler() noexcept
+{
+#if wxDEBUG_LEVEL
+    return wxTheAssertHandler;
+#else
+    return nullptr;
+#endif
+}
+
 /// Notes what one thread logs and asserts, and passes on what others do.
 class CWithholder : public wxLog
 {
@@ -40,12 +49,21 @@ public:
         m_isMain = wxThread::IsMain();
         m_thread = wxThread::GetCurrentId();
         m_oldTarget = m_isMain ? SetActiveTarget(this) : SetThreadActiveTarget(this);
-        m_oldHandler = wxSetAssertHandler(&CWithholder::onAssert);
+        m_oldHandler = assertHandler();
+        // Where assertions are disabled they stay so: wxWidgets looks twice whether there is a
+        // handler, and another thread may be between the two looks when this one goes again.
+        if (m_oldHandler != nullptr)
+        {
+            wxSetAssertHandler(&CWithholder::onAssert);
+        }
     }
 
     void end()
     {
-        wxSetAssertHandler(m_oldHandler);
+        if (assertHandler() == &CWithholder::onAssert)
+        {
+            wxSetAssertHandler(m_oldHandler);
+        }
         if (m_isMain)
         {
             SetActiveTarget(m_oldTarget);

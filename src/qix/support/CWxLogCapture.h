@@ -11,7 +11,8 @@ namespace qix
 /// text that it complains about. What it complains about is noted in words of ours.
 ///
 /// The log target and the assertion handler belong to the process, so that one thread at a time
-/// has one of these and others wait. Messages of other threads go where they went before.
+/// has one of these and others wait. Messages of other threads go where they went before. Where
+/// assertions are disabled they stay so, and what would be asserted is not noted.
 class CWxLogCapture
 {
 public:

@@ -460,6 +460,7 @@ protected:
 TEST_F(talkativeThreadTest, messagesOfOtherThreadsGoWhereTheyWentBefore)
 {
     CCountingLog log;
+    countedAssertions = 0;
     wxLog* const oldLog = wxLog::SetActiveTarget(&log);
     wxAssertHandler_t const oldHandler = wxSetAssertHandler(&countAssertion);
     writeSecrets(manyLines());
@@ -514,6 +515,57 @@ TEST_F(talkativeThreadTest, messagesOfOtherThreadsAreNotLostWhereNoTargetIsMade)
         });
     EXPECT_EQ(child.waitForExit(), 0);
     EXPECT_GT(countTalk(testing::internal::GetCapturedStderr()), 0U);
+}
+
+/// A handler that comes and goes is called when it has gone: wxWidgets looks twice.
+TEST_F(talkativeThreadTest, assertionsThatAreDisabledStayDisabled)
+{
+    writeSecrets(manyLines());
+    wxAssertHandler_t const oldHandler = wxSetAssertHandler(nullptr);
+    std::atomic<bool> isStopped{false};
+    bool isDisabled = true;
+    std::thread thread(
+        [&]
+        {
+            while (!isStopped)
+            {
+                isDisabled = isDisabled && wxTheAssertHandler == nullptr;
+                std::this_thread::yield();
+            }
+        });
+    for (int i = 0; i < 10; ++i)
+    {
+        EXPECT_EQ(getTestSecret("a", "key"), secret);
+    }
+    isStopped = true;
+    thread.join();
+    EXPECT_TRUE(isDisabled);
+    wxSetAssertHandler(oldHandler);
+}
+
+TEST_F(talkativeThreadTest, anAssertHandlerThatIsSetMeanwhileStays)
+{
+    writeSecrets(manyLines());
+    wxAssertHandler_t const oldHandler = wxTheAssertHandler;
+    std::atomic<bool> isSet{false};
+    std::thread thread(
+        [&isSet, oldHandler]
+        {
+            // Waits for the look-up's own handler.
+            while (wxTheAssertHandler == oldHandler)
+            {
+                std::this_thread::yield();
+            }
+            wxSetAssertHandler(&countAssertion);
+            isSet = true;
+        });
+    while (!isSet)
+    {
+        getTestSecret("a", "key");
+    }
+    thread.join();
+    EXPECT_EQ(wxTheAssertHandler, &countAssertion);
+    wxSetAssertHandler(oldHandler);
 }
 
 TEST_F(secretTest, isToldToThreadsBesideTheMainOneOfWxWidgets)
