@@ -19,6 +19,16 @@
 namespace qix
 {
 
+class CTestItemGroup;
+
+namespace detail
+{
+
+/// What CTestItemGroup::global() returns.
+QIX_EXPORT zel::P<CTestItemGroup> globalRoot();
+
+} // namespace detail
+
 /// A named container of test items.
 ///
 /// Children are registered as factories and made when they are first needed: when the group is
@@ -112,13 +122,14 @@ public:
     }
 
     /// The root group of the process: its name is empty, and console runners offer its children.
-    /// It is one object for the executable, the library and every plug-in. Made on first use,
-    /// from any thread; released at exit.
-    // Exported by itself: -fvisibility-inlines-hidden would otherwise give every module its own.
-    QIX_EXPORT static zel::P<CTestItemGroup> global()
+    /// It is one object for the executable, the library and every plug-in, whatever those are
+    /// linked with. Made on first use, from any thread; released at exit, and before the objects
+    /// of the base library that destructors of tests use.
+    // Not inlined: a program that has a root of its own, as earlier headers made it, replaces this
+    // function for the library, too.
+    QIX_EXPORT __attribute__((noinline)) static zel::P<CTestItemGroup> global()
     {
-        static zel::P<CTestItemGroup> g_pGlobal = zel::newObj<CTestItemGroup>("");
-        return g_pGlobal;
+        return detail::globalRoot();
     }
 
 private:

@@ -116,6 +116,18 @@ void checkRunOfTheLibrary(int plugins)
          "the library knows the types of what its tests throw");
 }
 
+void* load(std::string const& path)
+{
+    bool const looksIntoItselfFirst = path.find("deepbind") != std::string::npos;
+    void* const plugin =
+        dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | (looksIntoItselfFirst ? RTLD_DEEPBIND : 0));
+    if (plugin == nullptr)
+    {
+        throw std::runtime_error(dlerror());
+    }
+    return plugin;
+}
+
 void checkAll(int plugins, char** paths)
 {
     registerTests();
@@ -124,11 +136,7 @@ void checkAll(int plugins, char** paths)
     void* handles[8] = {};
     for (int i = 0; i < plugins; ++i)
     {
-        handles[i] = dlopen(paths[i], RTLD_NOW | RTLD_LOCAL);
-        if (handles[i] == nullptr)
-        {
-            throw std::runtime_error(dlerror());
-        }
+        handles[i] = load(paths[i]);
         checkPlugin(handles[i]);
     }
     checkRunOfTheLibrary(plugins);
