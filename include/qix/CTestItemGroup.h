@@ -61,13 +61,15 @@ public:
     }
 
     /// Makes the pending children and hands each child to \p runner. Children that are added
-    /// meanwhile are run too. Throws what a factory throws.
+    /// meanwhile are run too, and one that is taken out while it runs lives until it has run.
+    /// Throws what a factory throws.
     void run(ITestRunner* runner) override
     {
         createPendingItems();
         for (std::size_t i = 0; i < m_subItems.size(); ++i)
         {
-            runner->runTestItem(m_subItems[i].get());
+            zel::P<ITestItem> const item = m_subItems[i];
+            runner->runTestItem(item.get());
         }
     }
 

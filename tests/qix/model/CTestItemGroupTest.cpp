@@ -276,6 +276,23 @@ TEST(CTestItemGroup, runSeesChildrenThatAreAddedMeanwhile)
     EXPECT_THAT(runner.m_names, ElementsAre("a", "b"));
 }
 
+TEST(CTestItemGroup, childThatIsTakenOutWhileItRunsLivesUntilItHasRun)
+{
+    COpenGroup group("");
+    group.addSubItem(zel::newObj<CFunctionTestItem>("a"));
+    CNotingRunner runner;
+    int referencesDuringRun = 0;
+    runner.m_whenRun = [&]
+    {
+        P<ITestItem> const item = group.m_subItems[0];
+        group.m_subItems.clear();
+        referencesDuringRun = dynamic_cast<CFunctionTestItem&>(*item).getRefCount();
+    };
+    group.run(&runner);
+    // One is the test's own.
+    EXPECT_EQ(referencesDuringRun, 2);
+}
+
 TEST(CTestItemGroup, ownsChildrenAndPendingFactories)
 {
     P<CFunctionTestItem> const item = zel::newObj<CFunctionTestItem>("item");
