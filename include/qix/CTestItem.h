@@ -1,5 +1,6 @@
 #pragma once
 
+#include <qix/ILocatedItem.h>
 #include <qix/ITestItem.h>
 #include <qix/detail/narrowText.h>
 #include <qix/detail/subTest.h>
@@ -33,7 +34,9 @@ class CTestMaker;
 /// - What is thrown and is no std::exception counts as a failure, too.
 ///
 /// Everything but log() belongs to the thread that runs the test.
-class QIX_EXPORT CTestItem : public zel::CBase, public virtual ITestItem
+class QIX_EXPORT CTestItem : public zel::CBase,
+                             public virtual ITestItem,
+                             public virtual ILocatedItem
 {
 public:
     /// \param name         one component of the dotted path by which the test is shown
@@ -74,6 +77,9 @@ public:
 
     std::vector<zel::String> const& getLog() const override { return m_logLines; }
 
+    /// Where its macro stands. Not known of an object that was made by hand.
+    SourceLocation getLocation() const noexcept override { return {m_file, m_line}; }
+
 protected:
     /// For fixtures of QIX_TEST_F, whose tests get their names and attributes afterwards.
     CTestItem();
@@ -103,6 +109,8 @@ private:
 
     void logBytes(std::string_view line);
 
+    int m_line = 0; ///< in front, where it fills up what the reference count leaves
+    char const* m_file = nullptr;
     std::string m_name;
     Duration m_duration = Short;
     bool m_interactive = false;

@@ -13,9 +13,14 @@
 #include <qix/CTestItem.h>
 #include <qix/CTestItemGroup.h>
 #include <qix/CTestSkippedException.h>
+#include <qix/CTestSkippedWithReasonException.h>
+#include <qix/CheckFailure.h>
+#include <qix/ILocatedItem.h>
 #include <qix/ITestItem.h>
 #include <qix/ITestItemFactory.h>
 #include <qix/ITestRunner.h>
+#include <qix/SourceLocation.h>
+#include <qix/TestOutcome.h>
 #include <qix/approx.h>
 #include <qix/export.h>
 #include <qix/main.h>

@@ -61,8 +61,9 @@
 /// Ends the test, which fails with the message.
 #define QIX_FAIL(message) ::qix::detail::fail(__FILE__, __LINE__, message)
 
-/// Ends the test, which does not apply here.
-#define QIX_SKIP() ::qix::detail::skip()
+/// Ends the test, which does not apply here. QIX_SKIP(reason) tells why, which goes to the log
+/// file.
+#define QIX_SKIP(...) ::qix::detail::skip(__VA_ARGS__)
 
 /// Ends the test without a verdict. The message goes to the log file.
 #define QIX_ABORT(message) ::qix::detail::abort(message)

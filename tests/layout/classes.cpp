@@ -24,9 +24,14 @@ SHOW(zel::TBuffer<char>);
 
 SHOW(qix::ITestItem);
 SHOW(qix::ITestRunner);
+SHOW(qix::ILocatedItem);
+SHOW(qix::CheckFailure);
+SHOW(qix::TestOutcome);
 SHOW(qix::ITestItemFactory);
 SHOW(qix::CTestAbortedException);
 SHOW(qix::CTestSkippedException);
+SHOW(qix::CTestSkippedWithReasonException);
+SHOW(qix::CTestFailedException);
 SHOW(qix::CTestItemGroup);
 SHOW(qix::CConsoleTestRunner);
 SHOW(qix::CTestFolder);

@@ -29,10 +29,12 @@ ROOMS = {
 FOR_ALL = ['model', 'text']
 
 PUBLIC = {
-    'model': ['CTestAbortedException', 'CTestItemGroup', 'CTestSkippedException', 'ITestItem',
-              'ITestItemFactory', 'ITestRunner', 'SourceLocation', 'export'],
+    'model': ['CTestAbortedException', 'CTestFailedException', 'CTestItemGroup',
+              'CTestSkippedException', 'CTestSkippedWithReasonException', 'CheckFailure',
+              'ILocatedItem', 'ITestItem', 'ITestItemFactory', 'ITestRunner',
+              'SourceLocation', 'TestOutcome', 'export'],
     'runner': ['CConsoleTestRunner'],
-    'testing': ['CTestFailedException', 'CTestItem', 'CTestScope', 'detail/narrowText',
+    'testing': ['CTestItem', 'CTestScope', 'detail/narrowText',
                 'detail/subTest', 'log', 'subTest'],
     'checks': ['approx', 'detail/check', 'detail/describe', 'noteFailure'],
     'registration': ['attributes', 'detail/registration'],

@@ -73,6 +73,8 @@ QIX_EXPORT void captureNothingThrown();
 [[noreturn]] QIX_EXPORT void failWithBytes(char const* file, int line, std::string_view message);
 [[noreturn]] QIX_EXPORT void failWithText(char const* file, int line, zel::String const& message);
 [[noreturn]] QIX_EXPORT void skip();
+[[noreturn]] QIX_EXPORT void skipWithBytes(std::string_view reason);
+[[noreturn]] QIX_EXPORT void skipWithText(zel::String const& reason);
 [[noreturn]] QIX_EXPORT void abortWithBytes(std::string_view message);
 [[noreturn]] QIX_EXPORT void abortWithText(zel::String const& message);
 
@@ -86,6 +88,19 @@ template <typename T>
     else
     {
         failWithText(file, line, message);
+    }
+}
+
+template <typename T>
+[[noreturn]] void skip(T const& reason)
+{
+    if constexpr (isNarrowText<T>)
+    {
+        skipWithBytes(viewOf(reason));
+    }
+    else
+    {
+        skipWithText(reason);
     }
 }
 

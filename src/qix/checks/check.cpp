@@ -1,12 +1,12 @@
 #include <qix/CTestAbortedException.h>
-#include <qix/CTestSkippedException.h>
+#include <qix/CTestFailedException.h>
+#include <qix/CTestSkippedWithReasonException.h>
 #include <qix/detail/check.h>
 #include <qix/noteFailure.h>
 
 #include "testing/CTestContext.h"
 #include "text/decodedText.h"
 #include "text/exceptionText.h"
-#include "text/formatLocation.h"
 #include "text/withIndentedLines.h"
 
 #include <string>
@@ -29,8 +29,13 @@ void writeValue(CValueWriter& out, ValueRef const& value)
     }
     catch (std::exception const&)
     {
-        out.text("<writing it threw " + currentExceptionText() + ">");
+        out.text("<writing it threw " + withIndentedLines(currentExceptionText()) + ">");
     }
+}
+
+std::string withoutLineEnds(std::string_view text)
+{
+    return std::string(text.substr(0, text.find_last_not_of('\n') + 1));
 }
 
 std::string takeKeptText()
@@ -38,35 +43,32 @@ std::string takeKeptText()
     return std::exchange(keptText, std::string());
 }
 
-std::string failureText(char const* file, int line, char const* check)
+CheckFailure failedCheck(char const* file, int line, char const* check)
 {
-    std::string text = formatLocation({file, line}) + ": " + check + " failed";
-    std::string const kept = takeKeptText();
-    if (!kept.empty())
+    return {file, line, check, takeKeptText()};
+}
+
+CheckFailure failedWith(char const* file, int line, std::string_view message)
+{
+    return {file == nullptr ? "" : file, line, "", withoutLineEnds(message)};
+}
+
+void noteOrThrow(CheckFailure failure)
+{
+    if (CTestContext::noteInCurrent(failure))
     {
-        text += "\n    " + kept;
+        return;
     }
-    return text;
+    bool const isBelow = !failure.check.empty() && failure.values.empty();
+    failure.values += isBelow ? "" : "\n";
+    failure.values += "outside of any running test";
+    throw CTestFailedException({failure});
 }
 
-std::string messageText(char const* file, int line, std::string_view message)
-{
-    std::string const place = file == nullptr ? std::string() : formatLocation({file, line}) + ": ";
-    return place + withIndentedLines(std::string(message));
-}
-
-void noteOrThrow(std::string const& failure)
-{
-    if (!CTestContext::noteInCurrent(failure))
-    {
-        throw CTestFailedException(failure + "\n    outside of any running test");
-    }
-}
-
-[[noreturn]] void noteAndThrow(std::string const& failure)
+[[noreturn]] void noteAndThrow(CheckFailure const& failure)
 {
     noteOrThrow(failure);
-    throw CRequirementFailedException(failure);
+    throw CRequirementFailedException({failure});
 }
 
 } // namespace
@@ -80,7 +82,7 @@ void captureOperands(ValueRef const& left, char const* comparison, ValueRef cons
     out.text(comparison);
     out.text(" ");
     writeValue(out, right);
-    keptText = withIndentedLines(out.written());
+    keptText = withoutLineEnds(out.written());
 }
 
 void captureOperand(ValueRef const& value)
@@ -88,7 +90,7 @@ void captureOperand(ValueRef const& value)
     CValueWriter out;
     out.text("with ");
     writeValue(out, value);
-    keptText = withIndentedLines(out.written());
+    keptText = withoutLineEnds(out.written());
 }
 
 void captureException()
@@ -103,17 +105,17 @@ void captureNothingThrown()
 
 void noteFailure(char const* file, int line, char const* check)
 {
-    noteOrThrow(failureText(file, line, check));
+    noteOrThrow(failedCheck(file, line, check));
 }
 
 void failRequirement(char const* file, int line, char const* check)
 {
-    noteAndThrow(failureText(file, line, check));
+    noteAndThrow(failedCheck(file, line, check));
 }
 
 void failWithBytes(char const* file, int line, std::string_view message)
 {
-    noteAndThrow(messageText(file, line, message));
+    noteAndThrow(failedWith(file, line, message));
 }
 
 void failWithText(char const* file, int line, zel::String const& message)
@@ -124,6 +126,16 @@ void failWithText(char const* file, int line, zel::String const& message)
 void skip()
 {
     throw CTestSkippedException();
+}
+
+void skipWithBytes(std::string_view reason)
+{
+    skipWithText(decodedText(reason));
+}
+
+void skipWithText(zel::String const& reason)
+{
+    throw CTestSkippedWithReasonException(reason);
 }
 
 void abortWithBytes(std::string_view message)
@@ -143,7 +155,7 @@ namespace qix
 
 void noteFailure(char const* file, int line, std::string_view message)
 {
-    detail::noteOrThrow(detail::messageText(file, line, message));
+    detail::noteOrThrow(detail::failedWith(file, line, message));
 }
 
 } // namespace qix

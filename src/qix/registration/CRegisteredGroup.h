@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qix/CTestItemGroup.h>
+#include <qix/ILocatedItem.h>
 
 #include "registration/RegisteredTest.h"
 
@@ -16,7 +17,7 @@ namespace qix::detail
 ///
 /// It makes its children itself, in registration order: a factory for each test would be one more
 /// object, made before main() and whether or not the test runs.
-class CRegisteredGroup : public CTestItemGroup
+class CRegisteredGroup : public CTestItemGroup, public virtual ILocatedItem
 {
 public:
     using Child = std::variant<RegisteredFunction, RegisteredFixture, zel::P<CRegisteredGroup>>;
@@ -30,7 +31,7 @@ public:
     /// The dotted path of the group, whose last component is its name.
     std::string const& getPath() const noexcept { return m_path; }
 
-    SourceLocation getLocation() const noexcept { return m_location; }
+    SourceLocation getLocation() const noexcept override { return m_location; }
 
     /// The children in registration order, whether or not their items are made.
     std::deque<Child> const& getRegistered() const noexcept { return m_registered; }

@@ -67,7 +67,7 @@ private:
 
 zel::P<ITestItem> CTestMaker::make(RegisteredFunction const& test)
 {
-    return zel::newObj<CFunctionTest>(test);
+    return locate(zel::newObj<CFunctionTest>(test), test);
 }
 
 QIX_CATCHES_FORCED_UNWIND zel::P<ITestItem> CTestMaker::make(RegisteredFixture const& test)
@@ -83,7 +83,7 @@ QIX_CATCHES_FORCED_UNWIND zel::P<ITestItem> CTestMaker::make(RegisteredFixture c
     }
     catch (...)
     {
-        return zel::newObj<CBrokenTest>(test, std::current_exception());
+        return locate(zel::newObj<CBrokenTest>(test, std::current_exception()), test);
     }
 }
 
@@ -93,6 +93,13 @@ zel::P<ITestItem> CTestMaker::construct(RegisteredFixture const& test)
     item->m_name = test.name;
     item->m_duration = test.attributes.duration;
     item->m_interactive = test.attributes.interactive;
+    return locate(item, test);
+}
+
+zel::P<ITestItem> CTestMaker::locate(zel::P<CTestItem> const& item, RegisteredTest const& test)
+{
+    item->m_file = test.file;
+    item->m_line = test.line;
     return item;
 }
 

@@ -1,10 +1,8 @@
 #include "testing/CTestContext.h"
 
-#include <qix/CTestAbortedException.h>
-#include <qix/CTestSkippedException.h>
-
 #include "guards/posix/CForkGuard.h"
 #include "guards/posix/CForkLock.h"
+#include "model/outcomes.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
 
@@ -122,7 +120,7 @@ CTestContext* CTestContext::current() noexcept
     return innermostOfThread != nullptr ? innermostOfThread : innermostOfProcess;
 }
 
-bool CTestContext::noteInCurrent(std::string const& failure)
+bool CTestContext::noteInCurrent(CheckFailure const& failure)
 {
     std::lock_guard<std::mutex> const lock(runsMutex);
     CTestContext* const run = current();
@@ -145,13 +143,18 @@ bool CTestContext::logInCurrent(zel::String const& line)
     return true;
 }
 
-void CTestContext::note(std::string const& failure)
+void CTestContext::note(CheckFailure const& failure)
 {
     std::lock_guard<std::mutex> const lock(runsMutex);
     noteLocked(failure);
 }
 
-void CTestContext::noteLocked(std::string const& failure)
+void CTestContext::noteThrown(char const* step, std::string const& what)
+{
+    note({"", 0, "", std::string(step) + " threw " + what});
+}
+
+void CTestContext::noteLocked(CheckFailure const& failure)
 {
     if (m_failures.size() < listedFailures)
     {
@@ -164,26 +167,16 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::tryStep(char const* name, detail::C
 {
     try
     {
-        CForkGuard const guard;
-        step();
-        return true;
-    }
-    catch (CRequirementFailedException const&)
-    {
-        // It has been noted.
-    }
-    catch (CTestAbortedException const& e)
-    {
-        m_item.log("Aborted: " + e.getMessage());
-        keepOutcome();
-    }
-    catch (CTestSkippedException const&)
-    {
-        keepOutcome();
-    }
-    catch (std::exception const&)
-    {
-        keepError(name);
+        bool succeeded = false;
+        callAndEnd(
+            [step]
+            {
+                CForkGuard const guard;
+                step();
+            },
+            [&](TestOutcome::Kind kind, std::exception const* exception)
+            { succeeded = keepThrown(name, kind, exception); });
+        return succeeded;
     }
     catch (abi::__forced_unwind const&)
     {
@@ -192,33 +185,59 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::tryStep(char const* name, detail::C
     }
     catch (...)
     {
-        note(std::string(name) + " threw " + currentExceptionText());
+        noteThrown(name, currentExceptionText());
     }
     return false;
 }
 
-void CTestContext::keepOutcome()
+/// True when nothing was thrown.
+bool CTestContext::keepThrown(char const* step, TestOutcome::Kind kind,
+                              std::exception const* exception)
 {
-    if (m_outcome == nullptr)
+    if (kind == TestOutcome::Ok)
     {
-        m_outcome = std::current_exception();
+        return true;
     }
+    bool const isNoted = dynamic_cast<CRequirementFailedException const*>(exception) != nullptr;
+    if (isNoted)
+    {
+        return false;
+    }
+    Thrown const thrown = {kind, exception, std::current_exception()};
+    if (kind != TestOutcome::Failed)
+    {
+        keepReason(thrown);
+        return false;
+    }
+    if (!m_error)
+    {
+        m_error = thrown;
+    }
+    noteThrown(step, exceptionText(*exception));
+    return false;
 }
 
-void CTestContext::keepError(char const* step)
+void CTestContext::keepReason(Thrown const& thrown)
 {
-    if (m_error == nullptr)
+    TestOutcome const outcome = makeOutcome(thrown.kind, thrown.exception);
+    if (thrown.kind == TestOutcome::Aborted)
     {
-        m_error = std::current_exception();
+        m_item.log("Aborted: " + outcome.reason);
     }
-    note(std::string(step) + " threw " + currentExceptionText());
+    else if (!outcome.reason.empty())
+    {
+        m_item.log("Skipped: " + outcome.reason);
+    }
+    if (!m_outcome)
+    {
+        m_outcome = thrown;
+    }
 }
 
 void CTestContext::runSubTest(std::string const& name, detail::CFunctionRef row,
-                              std::string const& place)
+                              SourceLocation const& location)
 {
-    if (!m_runner->beginSubTest(name, durationOfRows(m_item), m_item.isInteractive(),
-                                m_item.containsAnyInteractive()))
+    if (!beginSubTest(name, location))
     {
         return;
     }
@@ -226,67 +245,75 @@ void CTestContext::runSubTest(std::string const& name, detail::CFunctionRef row,
     run.tryStep("it", row);
     if (!endSubTest(run))
     {
-        note(place + ": the sub-test \"" + name + "\" failed");
+        note({location.file, location.line, "", "the sub-test \"" + name + "\" failed"});
     }
+}
+
+bool CTestContext::beginSubTest(std::string const& name, SourceLocation const& location)
+{
+    CReportedLocation const reported(&location);
+    return m_runner->beginSubTest(name, durationOfRows(m_item), m_item.isInteractive(),
+                                  m_item.containsAnyInteractive());
 }
 
 /// False when the row has failed.
 bool CTestContext::endSubTest(CTestContext& row)
 {
-    try
+    row.leave();
+    if (row.m_failureCount > 0)
     {
-        row.finish();
-    }
-    catch (CTestAbortedException const&)
-    {
-        m_runner->endSubTest_Aborted();
-        return true;
-    }
-    catch (CTestSkippedException const&)
-    {
-        m_runner->endSubTest_Skipped();
-        return true;
-    }
-    catch (std::exception const& e)
-    {
-        m_runner->endSubTest_Failed(e);
+        endFailedSubTest(row);
         return false;
     }
-    m_runner->endSubTest_Success();
+    if (!row.m_outcome)
+    {
+        m_runner->endSubTest_Success();
+        return true;
+    }
+    CReportedException const reported(row.m_outcome->exception);
+    if (row.m_outcome->kind == TestOutcome::Aborted)
+    {
+        m_runner->endSubTest_Aborted();
+    }
+    else
+    {
+        m_runner->endSubTest_Skipped();
+    }
     return true;
+}
+
+void CTestContext::endFailedSubTest(CTestContext const& row)
+{
+    if (row.hasOnlyAnError())
+    {
+        m_runner->endSubTest_Failed(*row.m_error->exception);
+    }
+    else
+    {
+        m_runner->endSubTest_Failed(CTestFailedException(row.m_failures, row.m_failureCount));
+    }
+}
+
+bool CTestContext::hasOnlyAnError() const noexcept
+{
+    return m_failureCount == 1 && m_error;
 }
 
 void CTestContext::finish()
 {
     leave();
-    if (m_failureCount == 1 && m_error != nullptr)
+    if (hasOnlyAnError())
     {
-        std::rethrow_exception(m_error);
+        std::rethrow_exception(m_error->owner);
     }
     if (m_failureCount > 0)
     {
-        throw CTestFailedException(listFailures());
+        throw CTestFailedException(m_failures, m_failureCount);
     }
-    if (m_outcome != nullptr)
+    if (m_outcome)
     {
-        std::rethrow_exception(m_outcome);
+        std::rethrow_exception(m_outcome->owner);
     }
-}
-
-/// The first failure begins the text. The others stand below it, indented as the first one is in
-/// the list of failed tests.
-std::string CTestContext::listFailures() const
-{
-    std::string list = m_failures.front();
-    for (std::size_t i = 1; i < m_failures.size(); ++i)
-    {
-        list += "\n  " + m_failures[i];
-    }
-    if (m_failureCount > m_failures.size())
-    {
-        list += "\n  and " + std::to_string(m_failureCount - m_failures.size()) + " more";
-    }
-    return list;
 }
 
 } // namespace qix

@@ -1,14 +1,18 @@
 #pragma once
 
 #include <qix/CTestFailedException.h>
+#include <qix/CheckFailure.h>
 #include <qix/ITestItem.h>
 #include <qix/ITestRunner.h>
+#include <qix/SourceLocation.h>
+#include <qix/TestOutcome.h>
 #include <qix/detail/subTest.h>
 #include <zel/String.h>
 
 #include <condition_variable>
 #include <cstddef>
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,7 +47,7 @@ public:
     static CTestContext* ofThisThread() noexcept;
 
     /// Notes a failure in the current run. False when there is none. Safe to call on any thread.
-    static bool noteInCurrent(std::string const& failure);
+    static bool noteInCurrent(CheckFailure const& failure);
 
     /// Records a line in the item of the current run. False when there is none. Safe to call on
     /// any thread.
@@ -55,24 +59,37 @@ public:
 
     /// Runs a sub-test inside this run and reports it to the runner. When it fails, this run has
     /// failed, too.
-    /// \param place  where the sub-test is written
-    void runSubTest(std::string const& name, detail::CFunctionRef row, std::string const& place);
+    /// \param location  where the sub-test is written
+    void runSubTest(std::string const& name, detail::CFunctionRef row,
+                    SourceLocation const& location);
 
-    /// Ends the run: nothing is noted any more. Throws unless all went well.
+    /// Ends the run: nothing is noted any more. Throws unless all went well, as ITestItem::run()
+    /// does.
     void finish();
 
 private:
     class CUse;
 
+    /// What a step threw. No copy is made of an exception that is kept, so that both are the same.
+    struct Thrown
+    {
+        TestOutcome::Kind kind;
+        std::exception const* exception;
+        std::exception_ptr owner;
+    };
+
     static CTestContext* current() noexcept;
 
+    bool beginSubTest(std::string const& name, SourceLocation const& location);
     bool endSubTest(CTestContext& row);
-    void keepOutcome();
-    void keepError(char const* step);
-    void note(std::string const& failure);
-    void noteLocked(std::string const& failure);
+    void endFailedSubTest(CTestContext const& row);
+    bool keepThrown(char const* step, TestOutcome::Kind kind, std::exception const* exception);
+    void keepReason(Thrown const& thrown);
+    void note(CheckFailure const& failure);
+    void noteThrown(char const* step, std::string const& what);
+    void noteLocked(CheckFailure const& failure);
+    bool hasOnlyAnError() const noexcept;
     void leave() noexcept;
-    std::string listFailures() const;
 
     ITestItem& m_item;
     ITestRunner* m_runner;
@@ -81,10 +98,10 @@ private:
     bool m_isCurrent = true;
     unsigned m_useCount = 0; ///< how many threads are recording a line in the item
     std::condition_variable m_useEnded;
-    std::vector<std::string> m_failures; ///< those that are listed, in the order of their coming
+    std::vector<CheckFailure> m_failures; ///< those that are listed, in the order of their coming
     std::size_t m_failureCount = 0;
-    std::exception_ptr m_error;   ///< the first failure that is an exception of the test's own
-    std::exception_ptr m_outcome; ///< the first exception that tells of a skipped or aborted test
+    std::optional<Thrown> m_error;   ///< the first failure that is an exception of the test's own
+    std::optional<Thrown> m_outcome; ///< the first exception that tells of a skip or an abort
 };
 
 } // namespace qix

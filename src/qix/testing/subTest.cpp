@@ -18,7 +18,7 @@ void runSubTest(std::string_view name, CFunctionRef row, char const* file, int l
         throw zel::CError(decodedText(formatLocation({file, line}) +
                                       ": subTest() was called where no test runs on this thread"));
     }
-    run->runSubTest(std::string(name), row, formatLocation({file, line}));
+    run->runSubTest(std::string(name), row, {file, line});
 }
 
 } // namespace qix::detail

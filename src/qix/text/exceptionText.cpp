@@ -1,10 +1,8 @@
 #include "text/exceptionText.h"
 
 #include "text/messageOf.h"
-#include "text/withIndentedLines.h"
 
 #include <cstdlib>
-#include <exception>
 #include <memory>
 
 #include <cxxabi.h>
@@ -12,10 +10,7 @@
 namespace qix
 {
 
-namespace
-{
-
-std::string nameOfType(std::type_info const& type)
+std::string typeText(std::type_info const& type)
 {
     int status = 0;
     std::unique_ptr<char, decltype(&std::free)> const name(
@@ -23,7 +18,10 @@ std::string nameOfType(std::type_info const& type)
     return name == nullptr ? type.name() : name.get();
 }
 
-} // namespace
+std::string exceptionText(std::exception const& exception)
+{
+    return typeText(typeid(exception)) + ": " + messageOf(exception);
+}
 
 std::string currentExceptionText()
 {
@@ -32,18 +30,18 @@ std::string currentExceptionText()
     {
         return "an exception of another language";
     }
-    std::string type = nameOfType(*abi::__cxa_current_exception_type());
+    std::type_info const& type = *abi::__cxa_current_exception_type();
     try
     {
         throw;
     }
     catch (std::exception const& e)
     {
-        return type + ": " + withIndentedLines(messageOf(e));
+        return exceptionText(e);
     }
     catch (...)
     {
-        return type;
+        return typeText(type);
     }
 }
 

@@ -1,9 +1,17 @@
 #pragma once
 
+#include <exception>
 #include <string>
+#include <typeinfo>
 
 namespace qix
 {
+
+/// The type as it is written in a source.
+std::string typeText(std::type_info const& type);
+
+/// The type of the exception and its message.
+std::string exceptionText(std::exception const& exception);
 
 /// The type of the exception being handled and, when it has one, its message.
 std::string currentExceptionText();

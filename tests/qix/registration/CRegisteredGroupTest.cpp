@@ -1,4 +1,5 @@
 #include <qix/CTestItemGroup.h>
+#include <qix/ILocatedItem.h>
 #include <qix/test.h>
 
 #include "CFunctionTestItem.h"
@@ -88,6 +89,28 @@ public:
     }
 };
 
+class CCannotBeMade : public qix::CTestItem
+{
+public:
+    CCannotBeMade() { throw std::runtime_error("cannot be made"); }
+};
+
+class CFixture : public qix::CTestItem
+{
+};
+
+/// The line on which an item is written in this file.
+int lineOf(qix::ITestItem const& item)
+{
+    auto const* const located = dynamic_cast<qix::ILocatedItem const*>(&item);
+    if (located == nullptr)
+    {
+        return -1;
+    }
+    EXPECT_STREQ(located->getLocation().file, __FILE__);
+    return located->getLocation().line;
+}
+
 void registerLate(char const* group, char const* name, qix::detail::Attributes attributes = {})
 {
     qix::detail::CRegistration(
@@ -109,6 +132,21 @@ QIX_TEST(curious, third)
 }
 
 QIX_TEST_F(CEndingThread, ending, test)
+{
+}
+
+constexpr int lineOfFirst = __LINE__ + 1;
+QIX_TEST(located.inner, function)
+{
+}
+
+constexpr int lineOfSecond = __LINE__ + 1;
+QIX_TEST_F(CFixture, located.inner, fixture)
+{
+}
+
+constexpr int lineOfThird = __LINE__ + 1;
+QIX_TEST_F(CCannotBeMade, located.inner, broken)
 {
 }
 
@@ -200,6 +238,20 @@ TEST(RegisteredGroups, mayBelongToDifferentThreads)
     EXPECT_THAT(namesOfChildren(*groups[1]), testing::ElementsAre("first", "second"));
     thread.join();
     EXPECT_THAT(names, testing::ElementsAre("first", "second"));
+}
+
+TEST(RegisteredGroups, andTheirTestsKnowWhereTheyAreWritten)
+{
+    zel::P<qix::ITestItem> const outer = groupNamed("located");
+    zel::P<qix::ITestItem> const inner = childrenOf(*outer).at(0);
+    Items const tests = childrenOf(*inner);
+
+    EXPECT_EQ(lineOf(*outer), lineOfFirst);
+    EXPECT_EQ(lineOf(*inner), lineOfFirst);
+    ASSERT_EQ(tests.size(), 3U);
+    EXPECT_EQ(lineOf(*tests[0]), lineOfFirst);
+    EXPECT_EQ(lineOf(*tests[1]), lineOfSecond);
+    EXPECT_EQ(lineOf(*tests[2]), lineOfThird);
 }
 
 } // namespace

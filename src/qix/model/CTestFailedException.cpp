@@ -1,13 +1,23 @@
 #include <qix/CTestFailedException.h>
 
+#include "model/formatFailure.h"
 #include "text/decodedText.h"
 
 namespace qix
 {
 
 CTestFailedException::CTestFailedException(std::string const& text)
-    : zel::CError(decodedText(text), zel::String(), -1, zel::CProps(), nullptr), m_text(text)
+    : zel::CError(decodedText(text), zel::String(), -1, zel::CProps(), nullptr),
+      m_text(text),
+      m_failures({{"", 0, "", text}})
 {
+}
+
+CTestFailedException::CTestFailedException(std::vector<CheckFailure> const& failures,
+                                           std::size_t count)
+    : CTestFailedException(formatFailures(failures, count))
+{
+    m_failures = failures;
 }
 
 CTestFailedException::~CTestFailedException() = default;
