@@ -18,8 +18,12 @@
 #include <qix/ILocatedItem.h>
 #include <qix/ITestItem.h>
 #include <qix/ITestItemFactory.h>
+#include <qix/ITestListener.h>
 #include <qix/ITestRunner.h>
+#include <qix/RunCounts.h>
+#include <qix/RunInfo.h>
 #include <qix/SourceLocation.h>
+#include <qix/TestInfo.h>
 #include <qix/TestOutcome.h>
 #include <qix/approx.h>
 #include <qix/export.h>

@@ -24,9 +24,13 @@ SHOW(zel::TBuffer<char>);
 
 SHOW(qix::ITestItem);
 SHOW(qix::ITestRunner);
+SHOW(qix::ITestListener);
 SHOW(qix::ILocatedItem);
 SHOW(qix::CheckFailure);
 SHOW(qix::TestOutcome);
+SHOW(qix::TestInfo);
+SHOW(qix::RunInfo);
+SHOW(qix::RunCounts);
 SHOW(qix::ITestItemFactory);
 SHOW(qix::CTestAbortedException);
 SHOW(qix::CTestSkippedException);

@@ -31,8 +31,8 @@ FOR_ALL = ['model', 'text']
 PUBLIC = {
     'model': ['CTestAbortedException', 'CTestFailedException', 'CTestItemGroup',
               'CTestSkippedException', 'CTestSkippedWithReasonException', 'CheckFailure',
-              'ILocatedItem', 'ITestItem', 'ITestItemFactory', 'ITestRunner',
-              'SourceLocation', 'TestOutcome', 'export'],
+              'ILocatedItem', 'ITestItem', 'ITestItemFactory', 'ITestListener', 'ITestRunner',
+              'RunCounts', 'RunInfo', 'SourceLocation', 'TestInfo', 'TestOutcome', 'export'],
     'runner': ['CConsoleTestRunner'],
     'testing': ['CTestItem', 'CTestScope', 'detail/narrowText',
                 'detail/subTest', 'log', 'subTest'],

@@ -1,5 +1,8 @@
 #include "CFakeClock.h"
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
 namespace test
 {
 
@@ -28,6 +31,18 @@ CFakeClock::~CFakeClock()
 }
 
 } // namespace test
+
+/// What std::chrono::steady_clock asks.
+extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock,
+                                                                    std::timespec* now) noexcept
+{
+    if (clock != CLOCK_MONOTONIC || test::g_clock == nullptr)
+    {
+        return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
+    }
+    *now = {test::g_clock->getNow(), 0};
+    return 0;
+}
 
 extern "C" __attribute__((visibility("default"))) std::time_t time(std::time_t* result) noexcept
 {

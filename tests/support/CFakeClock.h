@@ -7,8 +7,8 @@ namespace test
 
 /// Stands in for the system's clock while it lives, so that tests of long durations do not wait.
 ///
-/// The test executable's time() comes before that of the C library, also for the libraries that
-/// it uses. The clock stands still but for advance().
+/// The test executable's time() and clock_gettime() come before those of the C library, also for
+/// the libraries that it uses. The clock stands still but for advance().
 class CFakeClock
 {
 public:

@@ -1,10 +1,12 @@
 #include <qix/CConsoleTestRunner.h>
-#include <qix/CTestAbortedException.h>
-#include <qix/CTestSkippedException.h>
 #include <zel/CError.h>
 #include <zel/debug.h>
 
 #include "guards/posix/CForkGuard.h"
+#include "model/outcomes.h"
+#include "runner/CListeners.h"
+#include "runner/CRunEvents.h"
+#include "runner/filters.h"
 #include "runner/indent.h"
 #include "runner/nullItem.h"
 #include "text/messageOf.h"
@@ -68,7 +70,8 @@ void printProgress(char character)
 
 /// Prints the header of an item with children. Asking for the children makes those of a group
 /// that are pending, so that the filters see them.
-void printHeader(ITestItem& item, std::string const& indent)
+/// \return  whether there are any
+bool printHeader(ITestItem& item, std::string const& indent)
 {
     std::vector<zel::P<ITestItem>> children;
     item.getSubItems(children);
@@ -77,13 +80,27 @@ void printHeader(ITestItem& item, std::string const& indent)
         printAsFormat("\n" + indent + "> " + item.getName() + " ");
         std::fflush(stdout);
     }
+    return !children.empty();
+}
+
+bool beginItem(ITestRunner& runner, ITestItem& item, TestInfo::Kind kind)
+{
+    CAnnouncedItem const announced(&item, kind);
+    return runner.beginSubTest(item.getName(), item.getDuration(), item.isInteractive(),
+                               item.containsAnyInteractive());
 }
 
 /// A missing item passes every filter, so that it is never overlooked.
+bool beginNullItem(ITestRunner& runner)
+{
+    CAnnouncedItem const announced(nullptr, TestInfo::Test);
+    return runner.beginSubTest(nullItemName, ITestItem::None, false, true);
+}
+
 void reportNullItem(CConsoleTestRunner& runner)
 {
     runner.logIndent(std::string(nullItemName) + "\n");
-    if (runner.beginSubTest(nullItemName, ITestItem::None, false, true))
+    if (beginNullItem(runner))
     {
         runner.endSubTest_Failed(zel::CError("There is no test item: a factory returned null."));
     }
@@ -93,6 +110,22 @@ void runGuarded(ITestItem& item, ITestRunner* runner)
 {
     CForkGuard const guard;
     item.run(runner);
+}
+
+void endAs(ITestRunner& runner, TestOutcome::Kind kind, std::exception const* exception)
+{
+    CReportedException const reported(exception);
+    switch (kind)
+    {
+    case TestOutcome::Ok:
+        return runner.endSubTest_Success();
+    case TestOutcome::Aborted:
+        return runner.endSubTest_Aborted();
+    case TestOutcome::Skipped:
+        return runner.endSubTest_Skipped();
+    case TestOutcome::Failed:
+        return runner.endSubTest_Failed(*exception);
+    }
 }
 
 /// Ends the item, and before it the sub-tests that it has left open, innermost first.
@@ -132,6 +165,43 @@ void warnAboutDuration(CConsoleTestRunner const& runner, ITestItem::Duration dur
     }
 }
 
+/// The names of the running sub-tests, the outermost first.
+template <typename Records>
+std::vector<std::string> namesOf(Records const& running)
+{
+    std::vector<std::string> names;
+    names.reserve(running.size() + 1);
+    for (auto const& record : running)
+    {
+        names.push_back(record.name);
+    }
+    return names;
+}
+
+/// Keeps for listeners how the innermost running sub-test is about to end.
+void noteEnding(ITestRunner const* runner, std::size_t depth, TestOutcome::Kind kind,
+                std::exception const* exception = CReportedException::get())
+{
+    if (CListeners::areThere())
+    {
+        CRunEvents::ofThisThread().noteEnding(runner, depth, makeOutcome(kind, exception));
+    }
+}
+
+std::vector<ITestItem*> selectedOf(std::vector<zel::P<ITestItem>> const& items,
+                                   std::vector<bool> const& selected)
+{
+    std::vector<ITestItem*> chosen;
+    for (std::size_t i = 0; i < items.size(); ++i)
+    {
+        if (selected[i])
+        {
+            chosen.push_back(items[i].get());
+        }
+    }
+    return chosen;
+}
+
 template <typename Failures>
 void printReport(Failures const& failures, std::string const& summary)
 {
@@ -158,6 +228,10 @@ CConsoleTestRunner::CConsoleTestRunner(ITestItem* root)
 
 CConsoleTestRunner::~CConsoleTestRunner()
 {
+    if (CListeners::areThere())
+    {
+        CRunEvents::ofThisThread().endAll(this);
+    }
     closeLog();
 }
 
@@ -167,6 +241,12 @@ bool CConsoleTestRunner::go()
     // Whatever ends the run, what the selection has printed is seen.
     std::fflush(stdout);
     openLog();
+    CRunScope run([this] { return RunCounts{m_nOk, m_nFailed, m_nAborted, m_nSkipped}; });
+    if (CListeners::areThere())
+    {
+        run.begin({selectedOf(m_items, m_selected), static_cast<ITestItem::Duration>(m_maxDuration),
+                   m_runInteractive, m_onlyInteractive});
+    }
     for (std::size_t i = 0; i < m_items.size(); ++i)
     {
         if (m_selected[i])
@@ -180,7 +260,7 @@ bool CConsoleTestRunner::go()
     logNoIndent("\n" + summary);
     closeLog();
     printReport(m_failures, summary);
-    return m_nFailed == 0;
+    return run.end() && m_nFailed == 0;
 }
 
 void CConsoleTestRunner::runTestItem(ITestItem* item)
@@ -191,46 +271,42 @@ void CConsoleTestRunner::runTestItem(ITestItem* item)
         return;
     }
     logIndent(item->getName() + "\n");
-    printHeader(*item, m_indent);
-    if (!beginSubTest(item->getName(), item->getDuration(), item->isInteractive(),
-                      item->containsAnyInteractive()))
+    TestInfo::Kind const kind = printHeader(*item, m_indent) ? TestInfo::Group : TestInfo::Test;
+    if (!beginItem(*this, *item, kind))
     {
         return;
     }
     std::size_t const depth = m_running.size();
-    try
-    {
-        runGuarded(*item, this);
-        endItem(*this, m_running, item, depth, [this] { endSubTest_Success(); });
-    }
-    catch (CTestAbortedException const&)
-    {
-        endItem(*this, m_running, item, depth, [this] { endSubTest_Aborted(); });
-    }
-    catch (CTestSkippedException const&)
-    {
-        endItem(*this, m_running, item, depth, [this] { endSubTest_Skipped(); });
-    }
-    catch (std::exception const& e)
-    {
-        endItem(*this, m_running, item, depth, [this, &e] { endSubTest_Failed(e); });
-    }
+    callAndEnd(
+        [&] { runGuarded(*item, this); },
+        [&](TestOutcome::Kind outcome, std::exception const* exception)
+        { endItem(*this, m_running, item, depth, [&] { endAs(*this, outcome, exception); }); });
 }
 
 bool CConsoleTestRunner::beginSubTest(std::string const& name, ITestItem::Duration duration,
                                       bool isInteractive, bool containsAnyInteractive)
 {
-    bool const isFilteredOut = m_maxDuration < duration || (isInteractive && !m_runInteractive) ||
-                               (!containsAnyInteractive && m_onlyInteractive);
-    if (isFilteredOut)
+    auto const filter = findFilter({m_maxDuration, m_runInteractive, m_onlyInteractive},
+                                   {duration, isInteractive, containsAnyInteractive});
+    if (filter)
     {
         printProgress('o');
         ++m_nSkipped;
+        if (CListeners::areThere())
+        {
+            std::vector<std::string> names = namesOf(m_running);
+            names.push_back(name);
+            CRunEvents::ofThisThread().filter(std::move(names), duration, isInteractive, *filter);
+        }
         return false;
     }
     m_running.push_back({name, m_beginCount, duration, isInteractive, std::time(nullptr)});
     ++m_beginCount;
     m_indent += indentOfOneLevel;
+    if (CListeners::areThere())
+    {
+        CRunEvents::ofThisThread().begin(this, namesOf(m_running), duration, isInteractive);
+    }
     return true;
 }
 
@@ -243,6 +319,7 @@ void CConsoleTestRunner::endSubTest_Failed(std::exception const& e)
     zel::debugBreak();
     m_failures.push_back({breadcrumbs, message});
     doTestGroupFinishLogging("XXX -> FAILED (" + message + ")");
+    noteEnding(this, m_running.size(), TestOutcome::Failed, &e);
     finalizeSubTest(false);
     ++m_nFailed;
 }
@@ -250,6 +327,7 @@ void CConsoleTestRunner::endSubTest_Failed(std::exception const& e)
 void CConsoleTestRunner::endSubTest_Aborted()
 {
     doTestGroupFinishLogging("-> aborted");
+    noteEnding(this, m_running.size(), TestOutcome::Aborted);
     finalizeSubTest(false);
     ++m_nAborted;
 }
@@ -261,6 +339,7 @@ void CConsoleTestRunner::endSubTest_Skipped()
         printProgress('o');
     }
     doTestGroupFinishLogging("-> skipped");
+    noteEnding(this, m_running.size(), TestOutcome::Skipped);
     finalizeSubTest(false);
     ++m_nSkipped;
 }
@@ -272,6 +351,7 @@ void CConsoleTestRunner::endSubTest_Success()
         printProgress('.');
     }
     doTestGroupFinishLogging("-> ok");
+    noteEnding(this, m_running.size(), TestOutcome::Ok);
     finalizeSubTest(true);
     ++m_nOk;
 }
@@ -284,8 +364,13 @@ void CConsoleTestRunner::finalizeSubTest(bool success)
     {
         warnAboutDuration(*this, record.duration, elapsed);
     }
+    std::size_t const depth = m_running.size();
     m_running.pop_back();
     outdent(m_indent);
+    if (CListeners::areThere())
+    {
+        CRunEvents::ofThisThread().end(this, depth, success);
+    }
 }
 
 void CConsoleTestRunner::resetCounters()
