@@ -72,6 +72,7 @@ public:
     std::string getTestBreadcrumbs() const;
 
     /// Opens testLog.txt in the current directory, empty. When that fails nothing is logged.
+    /// Within runMain() it throws zel::CError where that refuses the file.
     void openLog();
 
     /// Closes the log if it is open.

@@ -13,11 +13,16 @@ namespace qix
 /// opening a menu that nobody can answer. An exception that leaves the run ends in one line on
 /// standard error.
 ///
+/// The log is written only to a regular file that belongs to the user, or to the owner of the
+/// folder that it is in. A symbolic link, a named pipe, a device, a file of another user, and the
+/// log of a run of this process that is still going on are refused before any test is run.
+///
 /// A run does not end with 0 before its time: when a test calls exit(), or when standard output
 /// cannot be written, a line on standard error says so.
 /// \return the exit status: 0 when no test failed; 1 when one failed, a selection was refused or
-///         the working directory could not be entered; 2 when nothing could be run, or the run
-///         was ended by an exception or by exit(), or all passed but output was lost
+///         the working directory could not be entered; 2 when nothing could be run, or the log
+///         was refused, or the run was ended by an exception or by exit(), or all passed but
+///         output was lost
 QIX_EXPORT int runMain(int argc, char** argv);
 
 } // namespace qix

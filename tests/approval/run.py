@@ -186,7 +186,8 @@ class Run:
     def blank(self, data):
         data = data.replace(str(self.folder).encode(), b"TMP")
         for user in users():
-            data = data.replace(f"/{user}'".encode(), b"/USER'")
+            for end in ("'", "/testLog.txt'"):
+                data = data.replace(f"/{user}{end}".encode(), f"/USER{end}".encode())
         return data
 
     def blank_path(self, path):

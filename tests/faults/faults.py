@@ -21,7 +21,7 @@ sys.path.insert(0, str(HERE.parent / "approval"))
 import run as approval  # noqa: E402
 
 PAGE = HERE.parent.parent / "docs" / "faults.md"
-LONGEST_LINE = 100  # bytes; what is longer, or more, is cut in the page
+LONGEST_LINE = 120  # bytes; what is longer, or more, is cut in the page
 MOST_LINES = 25
 SHOWN_LINES = 6  # at both ends of what is cut
 SANITIZED_STACK = 64 * 1024 * 1024  # bytes
@@ -58,8 +58,10 @@ def fault(name, title, about, suite=None, how=None, keeps="output of before", lo
     return Fault(name, title, about, suite or name, how, keeps, log, run)
 
 
-TO_FULL_LOG = ('log="work/$USER/testLog.txt"; mkdir -p "work/$USER"; '
-               'ln -s /dev/full "$log"; "$@"; status=$?; rm "$log"; exit $status')
+TO_PIPE = ('log="work/$USER/testLog.txt"; mkdir -p "work/$USER"; mkfifo "$log"; '
+           '"$@"; status=$?; rm "$log"; exit $status')
+TO_LINK = ('log="work/$USER/testLog.txt"; mkdir -p "work/$USER"; echo precious >target; '
+           'ln -s "$PWD/target" "$log"; "$@"; status=$?; cat target; rm "$log"; exit $status')
 TO_SMALL_DISK = ('mkdir -p "work/$USER"; mount -t tmpfs -o size=64k none "work/$USER"; '
                  '"$@"; status=$?; cp "work/$USER/testLog.txt" copyOfLog; exit $status')
 TO_FILE = 'exec "$@" >standardOutput'
@@ -79,14 +81,23 @@ def shell(script):
 
 
 FAULTS = [
-    fault("fullLog", "A full disk under the log",
-          "The log is a symbolic link to `/dev/full`, which refuses every byte. Standard output "
-          "tells everything, and the verdict is right.",
-          "plain", shell(TO_FULL_LOG), keeps=None, log="empty, without a word about it"),
+    fault("plantedPipe", "A named pipe in place of the log",
+          "Writing to it would wait for a reader. The ready `main` refuses it, and so it does with "
+          "devices and with files of other users.",
+          "plain", shell(TO_PIPE), keeps=None, log="none", run="does not begin"),
+    fault("plantedLink", "A symbolic link in place of the log",
+          "It leads to a file that would be overwritten, and whose text is printed behind the run.",
+          "plain", shell(TO_LINK), keeps=None, log="none", run="does not begin"),
     fault("smallDisk", "A disk that fills up during the run",
           "The working directory is a file system of 64 kilobytes, and each of the four tests "
           "records a line of 32. The log holds what there was room for.",
           "talkative", ["unshare", "--mount", *shell(TO_SMALL_DISK)], keeps="first ***",
+          log="cut, without a word about it"),
+    fault("fileSizeLimit", "A limit on the size of files",
+          "The run is started with a limit of 64 kilobytes, by `ulimit -f 128`, and the suite is "
+          "the one above. The ready `main` takes care that the signal SIGXFSZ does not end the "
+          "run; what a test itself writes beyond the limit fails with the error EFBIG.",
+          "talkative", shell('ulimit -f 128; exec "$@"'), keeps="first ***",
           log="cut, without a word about it"),
     fault("closedOutput", "Standard output is closed",
           "The run is started with `>&-`. The log does not take the place of standard output, and "
@@ -190,7 +201,7 @@ class FaultRun(approval.Run):
             resource.setrlimit(resource.RLIMIT_STACK, (SANITIZED_STACK, hard))
 
     def section(self, title, data):
-        return super().section(title, shortened(data))
+        return super().section(title, shortened(self.blank(data)))
 
     def shown_command(self):
         return ""

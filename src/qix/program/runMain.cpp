@@ -3,8 +3,10 @@
 
 #include "guards/exitStatus.h"
 #include "guards/posix/CExitGuard.h"
+#include "program/posix/CFileSizeLimit.h"
 #include "program/posix/standardDescriptors.h"
 #include "program/posix/standardInput.h"
+#include "runner/posix/logFile.h"
 #include "text/messageOf.h"
 
 #include <algorithm>
@@ -56,12 +58,18 @@ void printError(char const* message, char const* reason = "")
 int runSelection(char** begin, char** end)
 {
     CExitGuard const guard;
+    CFileSizeLimit const limit;
+    CLogProtection const protection;
     try
     {
         std::vector<char const*> lines(begin, end);
         bool const passed =
             CConsoleTestRunner::doMain(static_cast<int>(lines.size()), lines.data());
         return passed ? exitAllPassed : exitNotAllPassed;
+    }
+    catch (CLogRefusedError const& e)
+    {
+        printError("", messageOf(e));
     }
     catch (std::exception const& e)
     {

@@ -2,6 +2,7 @@
 #include <zel/String.h>
 
 #include "runner/indent.h"
+#include "runner/posix/logFile.h"
 
 namespace qix
 {
@@ -9,14 +10,14 @@ namespace qix
 void CConsoleTestRunner::openLog()
 {
     closeLog();
-    m_log = std::fopen("testLog.txt", "w");
+    m_log = openLogFile("testLog.txt");
 }
 
 void CConsoleTestRunner::closeLog()
 {
     if (m_log != nullptr)
     {
-        std::fclose(m_log);
+        closeLogFile(m_log);
         m_log = nullptr;
     }
 }

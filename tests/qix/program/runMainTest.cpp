@@ -7,13 +7,20 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
 
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 namespace
 {
 
+namespace fs = std::filesystem;
 using qix::CTestItemGroup;
 using test::CChildProcess;
 using test::CFunctionTestItem;
@@ -21,6 +28,18 @@ using test::DoMain;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
+
+/// So long a run may take before it counts as hanging.
+constexpr unsigned patience = 60; // seconds
+
+/// Runs the first test as a test executable inside the process does it.
+int runFirstTest()
+{
+    char name[] = "program";
+    char line[] = "0";
+    char* argv[] = {name, line, nullptr};
+    return qix::runMain(2, argv);
+}
 
 class RunMain : public DoMain
 {
@@ -30,7 +49,12 @@ protected:
         CChildProcess child(
             [this, &arguments]
             {
+                alarm(patience);
                 registerTests();
+                for (auto const& item : m_items)
+                {
+                    CTestItemGroup::global()->addSubItem(item);
+                }
                 std::vector<char*> argv;
                 for (std::string& argument : arguments)
                 {
@@ -47,6 +71,13 @@ protected:
         return child.waitForExit();
     }
 
+    /// Adds a test behind the four that are always there.
+    void add(CFunctionTestItem::Work const& work)
+    {
+        m_items.push_back(zel::newObj<CFunctionTestItem>("item", work));
+    }
+
+    std::vector<zel::P<CFunctionTestItem>> m_items;
     bool m_isOutputLost = false;
 
     void expectHelpInsteadOfMenu()
@@ -190,6 +221,185 @@ TEST_F(RunMain, showsTheMenuBeforeTheWriterHasWritten)
     close(ends[0]);
     close(ends[1]);
     close(outputEnds[0]);
+}
+
+TEST_F(RunMain, anInnerRunLeavesTheOuterOneGuarded)
+{
+    add(
+        [](CFunctionTestItem&, qix::ITestRunner&)
+        {
+            runFirstTest();
+            std::exit(0);
+        });
+    EXPECT_EQ(runMain({"program", "4"}), 2);
+    EXPECT_THAT(output(), HasSubstr("Error: the test run was ended by a call of exit()"));
+}
+
+TEST_F(RunMain, anInnerRunInAFolderOfItsOwnHasALogOfItsOwn)
+{
+    add(
+        [](CFunctionTestItem&, qix::ITestRunner&)
+        {
+            if (runFirstTest() != 0)
+            {
+                throw std::runtime_error("the inner run has failed");
+            }
+        });
+    EXPECT_EQ(runMain({"program", "4"}), 0);
+    EXPECT_EQ(test::readFile("testWork/_/testLog.txt"),
+              "item\n\n\n1 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
+    EXPECT_EQ(test::readFile("testWork/_/testWork/_/testLog.txt"),
+              "zero\n\n\n1 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
+}
+
+TEST_F(RunMain, anInnerRunDoesNotEmptyTheLogOfTheOuterOne)
+{
+    test::CScopedEnvVar const variable("QIX_TESTWORKDIR", m_folder.getPath() / "w");
+    add(
+        [](CFunctionTestItem&, qix::ITestRunner&)
+        {
+            if (runFirstTest() != 2)
+            {
+                throw std::runtime_error("the inner run was not refused");
+            }
+        });
+    EXPECT_EQ(runMain({"program", "4"}), 0);
+    EXPECT_THAT(output(), HasSubstr("Error: the log '" + (m_folder.getPath() / "w/_").string() +
+                                    "/testLog.txt' is refused: another run of this process is "
+                                    "writing it. Let QIX_TESTWORKDIR name another folder.\n"));
+    EXPECT_EQ(test::readFile("w/_/testLog.txt"),
+              "item\n\n\n1 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
+}
+
+/// Runs whose log is there already.
+class RunMainWithLog : public RunMain
+{
+protected:
+    RunMainWithLog() { fs::create_directories("testWork/_"); }
+
+    void expectRefusal(std::string const& reason)
+    {
+        EXPECT_EQ(runMain({"program", "0"}), 2);
+        EXPECT_EQ(output(), "Num: 0\nError: the log '" +
+                                (m_folder.getPath() / "testWork/_/testLog.txt").string() +
+                                "' is refused: " + reason +
+                                ". Let QIX_TESTWORKDIR name another folder.\n");
+    }
+
+    void expectAcceptance()
+    {
+        EXPECT_EQ(runMain({"program", "0"}), 0);
+        EXPECT_EQ(test::readFile(m_log), "zero\n\n\n1 OK, 0 Failed, 0 Aborted, 0 Skipped\n\n");
+    }
+
+    char const* const m_log = "testWork/_/testLog.txt";
+};
+
+TEST_F(RunMainWithLog, refusesANamedPipe)
+{
+    ASSERT_EQ(mkfifo(m_log, 0666), 0);
+    expectRefusal("it is a named pipe");
+}
+
+TEST_F(RunMainWithLog, refusesANamedPipeThatIsRead)
+{
+    ASSERT_EQ(mkfifo(m_log, 0666), 0);
+    int const reader = open(m_log, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    expectRefusal("it is a named pipe");
+    close(reader);
+}
+
+TEST_F(RunMainWithLog, refusesALinkAndLeavesItsTarget)
+{
+    std::ofstream("target") << "precious";
+    fs::create_symlink(fs::absolute("target"), m_log);
+    expectRefusal("it is a symbolic link");
+    EXPECT_EQ(test::readFile("target"), "precious");
+}
+
+TEST_F(RunMainWithLog, refusesALinkThatLeadsNowhere)
+{
+    fs::create_symlink(fs::absolute("target"), m_log);
+    expectRefusal("it is a symbolic link");
+    EXPECT_FALSE(fs::exists("target"));
+}
+
+TEST_F(RunMainWithLog, refusesADevice)
+{
+    if (mknod(m_log, S_IFCHR | 0666, makedev(1, 3)) != 0)
+    {
+        GTEST_SKIP() << "devices cannot be made here";
+    }
+    expectRefusal("it is a device");
+}
+
+TEST_F(RunMainWithLog, refusesAFileOfAnotherUserByWhateverName)
+{
+    std::ofstream("target") << "precious";
+    if (chown("target", 4711, static_cast<gid_t>(-1)) != 0)
+    {
+        GTEST_SKIP() << "files cannot be given away here";
+    }
+    fs::create_hard_link("target", m_log);
+    expectRefusal("it belongs to another user");
+    EXPECT_EQ(test::readFile("target"), "precious");
+}
+
+TEST_F(RunMainWithLog, takesAFileOfTheFoldersOwner)
+{
+    std::ofstream(m_log) << "old";
+    if (chown(m_log, 4711, static_cast<gid_t>(-1)) != 0 ||
+        chown("testWork/_", 4711, static_cast<gid_t>(-1)) != 0)
+    {
+        GTEST_SKIP() << "files cannot be given away here";
+    }
+    expectAcceptance();
+}
+
+TEST_F(RunMainWithLog, takesAndEmptiesAFileOfItsOwn)
+{
+    std::ofstream(m_log) << std::string(1000, 'x');
+    expectAcceptance();
+}
+
+TEST_F(RunMainWithLog, goesOnWithoutOneWhereItIsAFolder)
+{
+    fs::create_directory(m_log);
+    EXPECT_EQ(runMain({"program", "0"}), 0);
+}
+
+void limitFileSize(rlim_t bytes)
+{
+    rlimit const limit = {bytes, RLIM_INFINITY};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+TEST_F(RunMain, goesOnWhenTheLogReachesTheLimitOfFileSizes)
+{
+    add(
+        [](CFunctionTestItem& item, qix::ITestRunner&)
+        {
+            limitFileSize(64 * 1024);
+            item.log(std::string(100 * 1024, 'x'));
+        });
+    EXPECT_EQ(runMain({"program", "4", "0"}), 0);
+    EXPECT_THAT(output(), HasSubstr("2 OK"));
+    EXPECT_EQ(fs::file_size("testWork/_/testLog.txt"), 64U * 1024U);
+}
+
+TEST_F(RunMain, leavesTheSignalOfFileSizesToPrograms)
+{
+    add(
+        [](CFunctionTestItem&, qix::ITestRunner&)
+        {
+            CChildProcess child([]
+                                { return execl("/bin/sh", "sh", "-c", "kill -XFSZ $$", nullptr); });
+            if (child.waitForExit() != -SIGXFSZ)
+            {
+                throw std::runtime_error("the program goes on");
+            }
+        });
+    EXPECT_EQ(runMain({"program", "4"}), 0) << output();
 }
 
 } // namespace

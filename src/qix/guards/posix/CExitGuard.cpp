@@ -41,14 +41,13 @@ EndOfProcess const endOfProcess;
 
 } // namespace
 
-CExitGuard::CExitGuard() noexcept
+CExitGuard::CExitGuard() noexcept : m_outerProcess(g_runningProcess.exchange(getpid()))
 {
-    g_runningProcess = getpid();
 }
 
 CExitGuard::~CExitGuard()
 {
-    g_runningProcess = none;
+    g_runningProcess = m_outerProcess;
 }
 
 } // namespace qix
