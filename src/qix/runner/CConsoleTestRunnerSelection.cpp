@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
@@ -67,6 +69,28 @@ bool containsAll(std::string const& text, std::vector<std::string> const& terms)
     return std::all_of(terms.begin(), terms.end(),
                        [&text](std::string const& term)
                        { return text.find(term) != std::string::npos; });
+}
+
+/// The next line of standard input; an empty one at its end. A signal that interrupts the waiting,
+/// as a terminal sends when it is resized, is not the end.
+std::string readLine()
+{
+    std::string line;
+    bool wasInterrupted = true;
+    while (wasInterrupted)
+    {
+        std::string part;
+        errno = 0;
+        std::getline(std::cin, part);
+        line += part;
+        wasInterrupted = errno == EINTR && !std::cin.good();
+        if (wasInterrupted)
+        {
+            std::clearerr(stdin);
+            std::cin.clear();
+        }
+    }
+    return line;
 }
 
 bool hasSign(std::string const& word)
@@ -279,14 +303,10 @@ void CConsoleTestRunner::doMenu()
     {
         printItem(m_items, static_cast<int>(i));
     }
-    std::string line;
     do
     {
         std::fflush(stdout);
-        // An ended stream leaves the string alone, and each line read from it is an empty one.
-        line.clear();
-        std::getline(std::cin, line);
-    } while (!handleSelectionInput(line));
+    } while (!handleSelectionInput(readLine()));
 }
 
 bool CConsoleTestRunner::handleSelectionInput(std::string const& line)

@@ -1,4 +1,5 @@
 #include <qix/main.h>
+#include <zel/thread.h>
 
 #include "runner/DoMainTest.h"
 
@@ -39,6 +40,21 @@ int runFirstTest()
     char line[] = "0";
     char* argv[] = {name, line, nullptr};
     return qix::runMain(2, argv);
+}
+
+/// Whether the process sleeps in a system call: there is nothing else that the menu waits for.
+bool isAsleep(pid_t process)
+{
+    std::string const status = test::readFile("/proc/" + std::to_string(process) + "/stat");
+    return status.at(status.rfind(')') + 2) == 'S';
+}
+
+void waitUntilItReads(CChildProcess const& child)
+{
+    while (!isAsleep(child.getId()))
+    {
+        zel::threadYield(true);
+    }
 }
 
 class RunMain : public DoMain
@@ -221,6 +237,53 @@ TEST_F(RunMain, showsTheMenuBeforeTheWriterHasWritten)
     close(ends[0]);
     close(ends[1]);
     close(outputEnds[0]);
+}
+
+TEST_F(RunMain, goesOnWaitingWhenASignalInterruptsTheMenu)
+{
+    int inputEnds[2];
+    int outputEnds[2];
+    int signalEnds[2];
+    ASSERT_EQ(pipe2(inputEnds, O_CLOEXEC), 0);
+    ASSERT_EQ(pipe2(outputEnds, O_CLOEXEC), 0);
+    ASSERT_EQ(pipe2(signalEnds, O_CLOEXEC), 0);
+    dup2(inputEnds[0], STDIN_FILENO);
+    static int handled;
+    handled = signalEnds[1];
+    CChildProcess child(
+        [&]
+        {
+            alarm(patience);
+            struct sigaction action = {};
+            action.sa_handler = [](int) { static_cast<void>(!write(handled, "!", 1)); };
+            sigaction(SIGWINCH, &action, nullptr);
+            dup2(outputEnds[1], STDOUT_FILENO);
+            registerTests();
+            char name[] = "program";
+            char* argv[] = {name, nullptr};
+            return qix::runMain(1, argv);
+        });
+    close(outputEnds[1]);
+    std::string text;
+    char byte = 0;
+    while (text.find("(3) three\n") == std::string::npos && read(outputEnds[0], &byte, 1) == 1)
+    {
+        text += byte;
+    }
+    waitUntilItReads(child);
+    kill(child.getId(), SIGWINCH);
+    ASSERT_EQ(read(signalEnds[0], &byte, 1), 1);
+    ASSERT_EQ(write(inputEnds[1], "0\n", 2), 2);
+    while (read(outputEnds[0], &byte, 1) == 1)
+    {
+        text += byte;
+    }
+    EXPECT_EQ(child.waitForExit(), 0);
+    EXPECT_THAT(text, HasSubstr("(3) three\nNum: 0\n"));
+    for (int const end : {inputEnds[0], inputEnds[1], outputEnds[0], signalEnds[0], signalEnds[1]})
+    {
+        close(end);
+    }
 }
 
 TEST_F(RunMain, anInnerRunLeavesTheOuterOneGuarded)
