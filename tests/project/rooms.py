@@ -23,8 +23,11 @@ ROOMS = {
     'registration': ['guards', 'testing'],
     'support': ['guards'],
     'reporters': [],
+    'selection': ['runner'],
+    'history': [],
     'supervisor': ['runner'],
-    'program': ['guards', 'runner', 'reporters', 'supervisor'],
+    'program': ['guards', 'runner', 'registration', 'selection', 'history', 'reporters',
+                'supervisor'],
 }
 FOR_ALL = ['model', 'text']
 

@@ -3,13 +3,15 @@
 
 #include "guards/exitStatus.h"
 #include "guards/posix/CExitGuard.h"
+#include "program/RunOptions.h"
 #include "program/posix/CFileSizeLimit.h"
 #include "program/posix/standardDescriptors.h"
 #include "program/posix/standardInput.h"
+#include "program/printError.h"
+#include "program/runWithOptions.h"
 #include "runner/posix/logFile.h"
 #include "text/messageOf.h"
 
-#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
@@ -35,37 +37,44 @@ void printHowToSelect(std::string const& program)
     std::fflush(stdout);
 }
 
-/// Prints the text with a blank for each line end. Takes no memory: there may be none left.
-void printInOneLine(char const* text)
+std::string helpText(std::string const& program)
 {
-    for (std::size_t length = std::strcspn(text, "\n"); text[length] != '\0';
-         length = std::strcspn(text, "\n"))
-    {
-        std::fprintf(stderr, "%.*s ", static_cast<int>(length), text);
-        text += length + 1;
-    }
-    std::fputs(text, stderr);
+    return "Usage: " + program +
+           " [OPTION...] [--] [SELECTION...]\n"
+           "\n"
+           "Without arguments a menu is shown. Each SELECTION is one line of it, such as '*' for "
+           "all\ntests; with options alone all tests are meant. Options:\n" +
+           describeOptions() +
+           "\nThe exit status is 0 when no test failed, 1 when one did or a selection was refused, "
+           "and\n2 when nothing was run or the run did not get to its end.\n";
 }
 
-void printError(char const* message, char const* reason = "")
+std::string programName(int argc, char** argv)
 {
-    std::fflush(stdout);
-    std::fprintf(stderr, "Error: %s", message);
-    printInOneLine(reason);
-    std::fputc('\n', stderr);
+    return argc > 0 && argv[0] != nullptr ? argv[0] : "test";
 }
 
-int runSelection(char** begin, char** end)
+int print(std::string const& text)
+{
+    std::fputs(text.c_str(), stdout);
+    return exitAllPassed;
+}
+
+int runWithoutOptions(std::vector<char const*>& lines)
+{
+    bool const passed = CConsoleTestRunner::doMain(static_cast<int>(lines.size()), lines.data());
+    return passed ? exitAllPassed : exitNotAllPassed;
+}
+
+int runSelection(Arguments& arguments, std::string const& program)
 {
     CExitGuard const guard;
     CFileSizeLimit const limit;
     CLogProtection const protection;
     try
     {
-        std::vector<char const*> lines(begin, end);
-        bool const passed =
-            CConsoleTestRunner::doMain(static_cast<int>(lines.size()), lines.data());
-        return passed ? exitAllPassed : exitNotAllPassed;
+        return arguments.options.any ? runWithOptions(arguments, program)
+                                     : runWithoutOptions(arguments.lines);
     }
     catch (CLogRefusedError const& e)
     {
@@ -82,15 +91,38 @@ int runSelection(char** begin, char** end)
     return exitNoVerdict;
 }
 
-int runArguments(int argc, char** argv)
+int runArguments(Arguments& arguments, std::string const& program)
 {
-    int const programNames = std::min(argc, 1);
-    if (argc <= programNames && hasStandardInputEnded())
+    RunOptions const& options = arguments.options;
+    if (options.help)
     {
-        printHowToSelect(argc > 0 ? argv[0] : "test");
+        return print(helpText(program));
+    }
+    if (options.version)
+    {
+        return print("qix " QIX_VERSION "\n");
+    }
+    if (!options.any && arguments.lines.empty() && hasStandardInputEnded())
+    {
+        printHowToSelect(program);
         return exitNoVerdict;
     }
-    return runSelection(argv + programNames, argv + argc);
+    return runSelection(arguments, program);
+}
+
+int parseAndRun(int argc, char** argv)
+{
+    Arguments arguments;
+    try
+    {
+        arguments = parseArguments(argc, argv);
+    }
+    catch (std::exception const& e)
+    {
+        printError("", messageOf(e));
+        return exitNoVerdict;
+    }
+    return runArguments(arguments, programName(argc, argv));
 }
 
 /// A run that nobody could read has not passed.
@@ -111,7 +143,7 @@ int runMain(int argc, char** argv)
 {
     std::setlocale(LC_CTYPE, "");
     occupyClosedStandardDescriptors();
-    return withOutputChecked(runArguments(argc, argv));
+    return withOutputChecked(parseAndRun(argc, argv));
 }
 
 } // namespace qix

@@ -6,6 +6,7 @@
 #include "model/outcomes.h"
 #include "runner/CListeners.h"
 #include "runner/CRunEvents.h"
+#include "runner/consoleColors.h"
 #include "runner/filters.h"
 #include "runner/indent.h"
 #include "runner/nullItem.h"
@@ -211,7 +212,8 @@ void printReport(Failures const& failures, std::string const& summary)
     }
     for (auto const& failure : failures)
     {
-        std::printf("- %s\n  %s\n", failure.name.c_str(), failure.message.c_str());
+        std::printf("- %s%s%s\n  %s\n", consoleColors.failed, failure.name.c_str(),
+                    consoleColors.none, failure.message.c_str());
     }
     std::fputs(summary.c_str(), stdout);
     std::fflush(stdout);
@@ -314,7 +316,8 @@ void CConsoleTestRunner::endSubTest_Failed(std::exception const& e)
 {
     std::string const message = messageOf(e);
     std::string const breadcrumbs = getTestBreadcrumbs();
-    std::printf("\n\nTEST FAILED: %s\n%s\n", breadcrumbs.c_str(), message.c_str());
+    std::printf("\n\n%sTEST FAILED: %s%s\n%s\n", consoleColors.failed, breadcrumbs.c_str(),
+                consoleColors.none, message.c_str());
     std::fflush(stdout);
     zel::debugBreak();
     m_failures.push_back({breadcrumbs, message});
@@ -348,7 +351,10 @@ void CConsoleTestRunner::endSubTest_Success()
 {
     if (m_running.back().duration != ITestItem::None)
     {
-        printProgress('.');
+        std::fputs(consoleColors.passed, stdout);
+        std::putchar('.');
+        std::fputs(consoleColors.none, stdout);
+        std::fflush(stdout);
     }
     doTestGroupFinishLogging("-> ok");
     noteEnding(this, m_running.size(), TestOutcome::Ok);

@@ -1,0 +1,146 @@
+#pragma once
+
+#include <qix/CConsoleTestRunner.h>
+
+#include "history/posix/CRunRecorder.h"
+#include "selection/CSubTestFilter.h"
+#include "selection/CTestPlan.h"
+#include "selection/testOrder.h"
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace qix
+{
+
+/// Runs what is in a plan, in the order of the plan. What is not leaves no trace in the output, the
+/// log and the counts.
+///
+/// Items hand their children to the runner, or announce them as sub-tests, as ever. The runner
+/// looks each one up in the tree and refuses it when it is not wanted. The groups of the library
+/// get another child run than the one they hand over when the order asks for that; items of other
+/// classes may do something between their children, so that these keep their order.
+class CPlannedRunner : public CConsoleTestRunner
+{
+public:
+    using CConsoleTestRunner::CConsoleTestRunner;
+
+    std::vector<zel::P<ITestItem>> const& rootItems() const noexcept { return m_items; }
+    std::vector<bool> const& selectedRoots() const noexcept { return m_selected; }
+    void selectAll();
+
+    /// True when the selection lines do not let the item in, for its class of duration or because
+    /// it is, or is not, interactive.
+    bool isFilteredOut(ITestItem const& item) const;
+
+    /// What is run from now on. The plan outlives the runner.
+    void setPlan(CTestPlan const& plan, PatternHits const& kept, PatternHits const& dropped);
+
+    void setOrder(TestOrder order) { m_order = std::move(order); }
+
+    /// \param recorder  outlives the runner
+    /// \param indices   for each node its index among the recorder's tests, or noNode
+    void setRecorder(CRunRecorder& recorder, std::vector<NodeIndex> indices);
+
+    /// Runs the plan once. True when no test failed.
+    bool runPlan();
+
+    /// Begins no further test after so many have failed, in all runs together.
+    void setFailureLimit(std::uint64_t limit) noexcept { m_failureLimit = limit; }
+
+    bool hasStopped() const noexcept { return m_failedTests >= m_failureLimit; }
+
+    /// How many tests the last run has come to, whether they were let in or not.
+    std::size_t reachedTests() const noexcept { return m_reachedTests; }
+
+    /// For each node what the test took at most, in microseconds; 0 when it has not run.
+    std::vector<std::uint64_t> const& times() const noexcept { return m_times; }
+
+    /// The numbers of those patterns for sub-tests that no sub-test has had, though its test ran.
+    std::vector<std::size_t> listUnusedSubTestPatterns() const;
+
+    void runTestItem(ITestItem* item) override;
+    bool beginSubTest(std::string const& name, ITestItem::Duration duration, bool isInteractive,
+                      bool containsAnyInteractive) override;
+    void endSubTest_Failed(std::exception const& e) override;
+    void endSubTest_Aborted() override;
+    void endSubTest_Skipped() override;
+    void endSubTest_Success() override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    /// What the patterns say of the sub-tests of one test.
+    struct SubTests
+    {
+        std::unique_ptr<CSubTestFilter> kept;    ///< null when all are
+        std::unique_ptr<CSubTestFilter> dropped; ///< null when none is
+        bool hasRun = false;
+    };
+
+    /// What is being run, or the root.
+    struct Open
+    {
+        NodeIndex node = noNode;      ///< noNode for the root and for what the tree does not know
+        NodeIndex nextChild = 0;      ///< the child that is expected next
+        std::size_t calls = 0;        ///< how many children have been handed over
+        SubTests* subTests = nullptr; ///< not null when some of what is below may be unwanted
+        std::string id;               ///< when subTests is not null
+        bool isUnknown = false;       ///< it is not in the tree
+        bool isLetIn = false;         ///< no filter is asked
+        bool isKept = false;          ///< everything below is kept
+        bool hasFailed = false;       ///< something in it that is not in the tree
+        Clock::time_point begin;
+        std::unordered_map<ITestItem const*, NodeIndex> children; ///< filled when it is needed
+        std::unordered_map<std::string, std::size_t> siblings;    ///< how many of each name
+    };
+
+    struct Child
+    {
+        NodeIndex node;
+        ITestItem* item;
+    };
+
+    Child nextChild(ITestItem* item);
+    NodeIndex findChild(Open& open, ITestItem* item);
+    NodeIndex findByPointer(Open& open, ITestItem const* item);
+    NodeIndex findByName(Open const& open, ITestItem const* item) const;
+    bool isReordered(Open const& open) const;
+    void runNode(Child const& child);
+    void runUnknown(ITestItem* item);
+    void runNext(Open open, ITestItem* item);
+    bool makeUnknown(Open& open, std::string const& name);
+    bool isUnknownWanted(Open const& parent) const;
+    Open makeOpen(NodeIndex node);
+    bool begin(Open open, std::string const& name, ITestItem::Duration duration, bool isInteractive,
+               bool containsAnyInteractive);
+    bool beginLetIn(std::string const& name, ITestItem::Duration duration, bool isInteractive,
+                    bool containsAnyInteractive);
+    void close(RememberedTest::Outcome outcome);
+    void noteEnd(Open const& test, RememberedTest::Outcome outcome);
+
+    CTestPlan const* m_plan = nullptr;
+    TestOrder m_order;
+    std::unordered_map<NodeIndex, SubTests> m_subTests;
+    CRunRecorder* m_recorder = nullptr;
+    std::vector<NodeIndex> m_recordIndices;
+    std::vector<bool> m_hasFailed; ///< the test, in any run of this process
+    std::vector<std::uint64_t> m_times;
+    std::uint64_t m_failureLimit = UINT64_MAX;
+    std::uint64_t m_failedTests = 0;
+    std::size_t m_reachedTests = 0;
+
+    std::vector<Open> m_open;   ///< the root, and beside each of m_running what it is
+    std::optional<Open> m_next; ///< the item that is about to begin
+};
+
+/// True for the classes whose items hand over all children, one after the other, and do nothing
+/// else.
+bool isLibraryGroup(ITestItem const& item);
+
+} // namespace qix

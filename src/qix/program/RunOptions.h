@@ -1,0 +1,80 @@
+#pragma once
+
+#include "history/RunHistory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qix
+{
+
+/// What the options on the command line ask for.
+struct RunOptions
+{
+    enum class Listing
+    {
+        None,
+        Ids,
+        Json
+    };
+
+    enum class Order
+    {
+        Declared,
+        Random,
+        Failed, ///< what failed in the last run comes first
+        Longest ///< what took longest in earlier runs comes first
+    };
+
+    enum class Color
+    {
+        Auto,
+        Always,
+        Never
+    };
+
+    /// One of several parts of the tests.
+    struct Shard
+    {
+        std::uint64_t number = 1; ///< from 1
+        std::uint64_t count = 1;
+    };
+
+    bool any = false; ///< there was an option
+    bool help = false;
+    bool version = false;
+    bool rerunFailed = false;
+    Listing listing = Listing::None;
+    Order order = Order::Declared;
+    Color color = Color::Auto;
+    bool hasRunFile = false;       ///< even if the files were empty
+    std::vector<std::string> run;  ///< patterns, those of files among them
+    std::vector<std::string> skip; ///< patterns
+    std::optional<std::uint64_t> seed;
+    std::optional<std::uint64_t> failFast; ///< ends behind so many failed tests
+    std::optional<std::uint64_t> repeat;
+    std::optional<std::uint64_t> untilFail; ///< repeats so many times at most
+    std::optional<std::uint64_t> durations; ///< tells so many tests that took longest
+    std::optional<Shard> shard;
+    std::optional<RunHistory> times; ///< of a file, instead of those of the working folder
+};
+
+/// The arguments of a test executable, sorted.
+struct Arguments
+{
+    RunOptions options;
+    std::vector<char const*> lines; ///< the selection lines in their order
+};
+
+/// Sorts the arguments behind the program's name. One that begins with "--" and a letter is an
+/// option, up to a lone "--"; all others are selection lines. Reads the files that hold patterns.
+/// Throws std::runtime_error for an option that is unknown or has a wrong value.
+Arguments parseArguments(int argc, char** argv);
+
+/// What --help prints about the options, a line or more for each.
+std::string describeOptions();
+
+} // namespace qix

@@ -1,0 +1,8 @@
+#include "runner/consoleColors.h"
+
+namespace qix
+{
+
+ConsoleColors consoleColors = withoutColors;
+
+} // namespace qix

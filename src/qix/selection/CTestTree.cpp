@@ -1,0 +1,240 @@
+#include "selection/CTestTree.h"
+
+#include <zel/CError.h>
+
+#include "runner/nullItem.h"
+#include "selection/CHashSet.h"
+#include "selection/testIds.h"
+#include "text/decodedText.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace qix
+{
+
+/// Goes down without recursion: trees may be deeper than the stack is.
+class CTestTree::CBuilder
+{
+public:
+    explicit CBuilder(CTestTree& tree) : m_tree(tree) {}
+
+    void build(std::vector<zel::P<ITestItem>> const& rootChildren)
+    {
+        enter(noNode, rootChildren);
+        while (!m_levels.empty())
+        {
+            Level& level = m_levels.back();
+            if (level.next == level.items.size())
+            {
+                leave();
+            }
+            else
+            {
+                std::size_t const child = level.next++;
+                addChild(level, child);
+            }
+        }
+    }
+
+private:
+    struct Component
+    {
+        std::size_t begin;
+        std::size_t size;
+    };
+
+    /// A parent, some of whose children have been added.
+    struct Level
+    {
+        NodeIndex parent;
+        std::vector<zel::P<ITestItem>> items;
+        std::vector<Component> components;
+        std::size_t next;
+    };
+
+    void enter(NodeIndex parent, std::vector<zel::P<ITestItem>> items)
+    {
+        Level level{parent, std::move(items), {}, 0};
+        level.components.reserve(level.items.size());
+        m_tree.m_nodes.reserve(roomFor(level.items.size()));
+        for (zel::P<ITestItem> const& item : level.items)
+        {
+            level.components.push_back(addComponent(item.get()));
+        }
+        numberSiblings(level.components);
+        m_levels.push_back(std::move(level));
+    }
+
+    /// At least doubles the room when it grows.
+    std::size_t roomFor(std::size_t count) const
+    {
+        std::size_t const needed = m_tree.m_nodes.size() + count;
+        std::size_t const capacity = m_tree.m_nodes.capacity();
+        return needed > capacity ? std::max(needed, 2 * capacity) : capacity;
+    }
+
+    Component addComponent(ITestItem const* item)
+    {
+        std::string& text = m_tree.m_components;
+        std::size_t const begin = text.size();
+        appendIdComponent(text, itemName(item));
+        return {begin, text.size() - begin};
+    }
+
+    std::string_view textOf(Component const& component) const
+    {
+        return std::string_view(m_tree.m_components).substr(component.begin, component.size);
+    }
+
+    void numberSiblings(std::vector<Component>& components)
+    {
+        CHashSet hashes(components.size());
+        bool const areDifferent = std::all_of(components.begin(), components.end(),
+                                              [&](Component const& component)
+                                              { return hashes.insert(hashOf(textOf(component))); });
+        if (!areDifferent)
+        {
+            numberEqualOnes(components);
+        }
+    }
+
+    static std::uint64_t hashOf(std::string_view text)
+    {
+        CTextHash hash;
+        hash.add(text);
+        return hash.get();
+    }
+
+    void numberEqualOnes(std::vector<Component>& components)
+    {
+        std::unordered_map<std::string, std::size_t> counts;
+        for (Component& component : components)
+        {
+            std::string numbered(textOf(component));
+            std::size_t const number = ++counts[numbered];
+            if (number > 1)
+            {
+                appendSiblingNumber(numbered, number);
+                component = {m_tree.m_components.size(), numbered.size()};
+                m_tree.m_components += numbered;
+            }
+        }
+    }
+
+    void addChild(Level const& level, std::size_t child)
+    {
+        NodeIndex const index = m_tree.size();
+        Component const& component = level.components[child];
+        m_tree.m_nodes.push_back(makeNode(level.parent, level.items[child], component));
+        ITestItem* const item = level.items[child].get();
+        if (item == nullptr)
+        {
+            return;
+        }
+        std::vector<zel::P<ITestItem>> children;
+        item->getSubItems(children);
+        if (!children.empty())
+        {
+            throwIfInsideItself(index);
+            enter(index, std::move(children));
+        }
+    }
+
+    TestNode makeNode(NodeIndex parent, zel::P<ITestItem> const& item, Component const& component)
+    {
+        TestNode node{item,        parent,          m_tree.size() + 1, 0,
+                      CTextHash(), component.begin, component.size,    component.size};
+        if (parent != noNode)
+        {
+            TestNode const& above = m_tree.m_nodes[parent];
+            node.depth = above.depth + 1;
+            node.idHash = above.idHash;
+            node.idHash.add(".");
+            node.idSize += above.idSize + 1;
+        }
+        node.idHash.add(textOf(component));
+        return node;
+    }
+
+    void throwIfInsideItself(NodeIndex node)
+    {
+        if (!m_path.insert(m_tree.m_nodes[node].item.get()).second)
+        {
+            throw zel::CError(decodedText("the test item \"" +
+                                          itemName(m_tree.m_nodes[node].item.get()) +
+                                          "\" contains itself"));
+        }
+    }
+
+    void leave()
+    {
+        NodeIndex const parent = m_levels.back().parent;
+        if (parent != noNode)
+        {
+            m_tree.m_nodes[parent].end = m_tree.size();
+            m_path.erase(m_tree.m_nodes[parent].item.get());
+        }
+        m_levels.pop_back();
+    }
+
+    CTestTree& m_tree;
+    std::vector<Level> m_levels;
+    std::unordered_set<ITestItem const*> m_path; ///< the parents of all levels
+};
+
+CTestTree::CTestTree(std::vector<zel::P<ITestItem>> const& rootChildren)
+{
+    CBuilder(*this).build(rootChildren);
+}
+
+std::string_view CTestTree::componentOf(NodeIndex node) const
+{
+    return std::string_view(m_components)
+        .substr(m_nodes[node].component, m_nodes[node].componentSize);
+}
+
+std::string CTestTree::idOf(NodeIndex node) const
+{
+    std::string id(m_nodes[node].idSize, '.');
+    for (; node != noNode; node = m_nodes[node].parent)
+    {
+        std::string_view const component = componentOf(node);
+        std::copy(component.begin(), component.end(),
+                  id.begin() +
+                      static_cast<std::ptrdiff_t>(m_nodes[node].idSize - component.size()));
+    }
+    return id;
+}
+
+bool CTestTree::hasId(NodeIndex node, std::string_view id) const
+{
+    return m_nodes[node].idSize == id.size() && idOf(node) == id;
+}
+
+std::vector<std::string> CTestTree::namesOf(NodeIndex node) const
+{
+    std::vector<std::string> names;
+    for (; node != noNode; node = m_nodes[node].parent)
+    {
+        names.push_back(itemName(m_nodes[node].item.get()));
+    }
+    std::reverse(names.begin(), names.end());
+    return names;
+}
+
+void CTestTree::moveTo(NodeIndex node, std::string& id) const
+{
+    NodeIndex const parent = m_nodes[node].parent;
+    id.resize(parent == noNode ? 0 : m_nodes[parent].idSize);
+    id += parent == noNode ? "" : ".";
+    id += componentOf(node);
+}
+
+std::string itemName(ITestItem const* item)
+{
+    return item == nullptr ? nullItemName : item->getName();
+}
+
+} // namespace qix

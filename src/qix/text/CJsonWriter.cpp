@@ -1,0 +1,141 @@
+#include "text/CJsonWriter.h"
+
+#include "text/utf8.h"
+
+#include <utility>
+
+namespace qix
+{
+
+namespace
+{
+
+constexpr std::string_view markOfByte = "[NON-UTF-8-BYTE-0x";
+
+void appendHexadecimal(std::string& text, unsigned char byte)
+{
+    constexpr char const digits[] = "0123456789ABCDEF";
+    text += digits[byte >> 4U];
+    text += digits[byte & 0xFU];
+}
+
+void appendMarked(std::string& text, char byte)
+{
+    text += markOfByte;
+    appendHexadecimal(text, static_cast<unsigned char>(byte));
+    text += ']';
+}
+
+void appendAscii(std::string& text, char character)
+{
+    if (character == '"' || character == '\\')
+    {
+        text += '\\';
+        text += character;
+    }
+    else if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F)
+    {
+        text += "\\u00";
+        appendHexadecimal(text, static_cast<unsigned char>(character));
+    }
+    else
+    {
+        text += character;
+    }
+}
+
+/// Adds the character at the beginning, or what stands for its first byte, and tells its size.
+std::size_t appendFirst(std::string& text, std::string_view rest)
+{
+    std::size_t const size = utf8CharacterAt(rest, 0).size;
+    if (size == 0 || rest.substr(0, markOfByte.size()) == markOfByte)
+    {
+        appendMarked(text, rest[0]);
+        return 1;
+    }
+    if (size == 1)
+    {
+        appendAscii(text, rest[0]);
+    }
+    else
+    {
+        text += rest.substr(0, size);
+    }
+    return size;
+}
+
+} // namespace
+
+void CJsonWriter::separate()
+{
+    if (m_needsComma)
+    {
+        m_text += ',';
+    }
+    m_needsComma = true;
+}
+
+void CJsonWriter::begin(char bracket)
+{
+    separate();
+    m_text += bracket;
+    m_needsComma = false;
+}
+
+void CJsonWriter::end(char bracket)
+{
+    m_text += bracket;
+    m_needsComma = true;
+}
+
+void CJsonWriter::key(std::string_view name)
+{
+    separate();
+    appendQuoted(name);
+    m_text += ':';
+    m_needsComma = false;
+}
+
+void CJsonWriter::value(std::string_view text)
+{
+    separate();
+    appendQuoted(text);
+}
+
+void CJsonWriter::value(std::uint64_t number)
+{
+    separate();
+    m_text += std::to_string(number);
+}
+
+void CJsonWriter::value(bool isTrue)
+{
+    separate();
+    m_text += isTrue ? "true" : "false";
+}
+
+void CJsonWriter::seconds(std::uint64_t microseconds)
+{
+    constexpr std::uint64_t ofOneSecond = 1000000;
+    separate();
+    m_text += std::to_string(microseconds / ofOneSecond) + '.' +
+              std::to_string(ofOneSecond + microseconds % ofOneSecond).substr(1);
+}
+
+std::string CJsonWriter::take()
+{
+    m_needsComma = false;
+    return std::exchange(m_text, std::string());
+}
+
+void CJsonWriter::appendQuoted(std::string_view text)
+{
+    m_text += '"';
+    while (!text.empty())
+    {
+        text.remove_prefix(appendFirst(m_text, text));
+    }
+    m_text += '"';
+}
+
+} // namespace qix

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qix
+{
+
+/// Writes JSON into a text, without line ends or blanks between the parts. Valid UTF-8 comes out
+/// of all bytes, in every locale.
+///
+/// Who calls cares for the structure: a key in front of each value in an object, and an end for
+/// each begin.
+class CJsonWriter
+{
+public:
+    void beginObject() { begin('{'); }
+    void endObject() { end('}'); }
+    void beginArray() { begin('['); }
+    void endArray() { end(']'); }
+
+    /// The name of the value that follows.
+    void key(std::string_view name);
+
+    /// A text. A byte that is no valid UTF-8 becomes "[NON-UTF-8-BYTE-0xFF]", so that it can be
+    /// seen. A text that has "[NON-UTF-8-BYTE-0x" itself gets its "[" written in the same way,
+    /// so that what was meant can be told.
+    void value(std::string_view text);
+
+    void value(char const* text) { value(std::string_view(text)); }
+    void value(std::uint64_t number);
+    void value(bool isTrue);
+
+    /// Seconds, with six digits behind the point.
+    void seconds(std::uint64_t microseconds);
+
+    /// What has been written so far.
+    std::string const& text() const noexcept { return m_text; }
+
+    /// The same, which is taken out: the writer begins anew.
+    std::string take();
+
+private:
+    void begin(char bracket);
+    void end(char bracket);
+    void separate();
+    void appendQuoted(std::string_view text);
+
+    std::string m_text;
+    bool m_needsComma = false;
+};
+
+} // namespace qix
