@@ -7,10 +7,7 @@
 namespace qix
 {
 
-namespace detail
-{
 class CValueWriter;
-}
 
 /// A floating-point number with a tolerance, to compare others with.
 ///
@@ -34,7 +31,7 @@ public:
     bool equals(double other) const noexcept;
 
     /// Writes the value and the tolerance.
-    void describe(detail::CValueWriter& out) const;
+    void describe(CValueWriter& out) const;
 
 private:
     double m_value;

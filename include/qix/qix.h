@@ -14,6 +14,7 @@
 #include <qix/CTestItemGroup.h>
 #include <qix/CTestSkippedException.h>
 #include <qix/CTestSkippedWithReasonException.h>
+#include <qix/CValueWriter.h>
 #include <qix/CheckFailure.h>
 #include <qix/ILocatedItem.h>
 #include <qix/ITestItem.h>
@@ -27,6 +28,7 @@
 #include <qix/TestOutcome.h>
 #include <qix/approx.h>
 #include <qix/export.h>
+#include <qix/hidden.h>
 #include <qix/main.h>
 #include <qix/secret.h>
 #include <qix/test.h>

@@ -4,10 +4,13 @@
 #include <qix/detail/narrowText.h>
 #include <qix/export.h>
 
-#include <cstdint>
+#include <cstddef>
+#include <memory>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+
+#include <cxxabi.h>
 
 namespace zel
 {
@@ -32,30 +35,37 @@ struct ValueRef
     Describe* describe;
 };
 
-/// \tparam withAddress  text is compared by its address, which tells why equal text differs
-template <typename T, bool withAddress = false>
+template <typename T>
 void describeValue(CValueWriter& out, void const* object)
 {
-    T const& value = *static_cast<T const*>(object);
-    if constexpr (withAddress)
-    {
-        char const* const text = value;
-        out.address(text);
-        if (text == nullptr)
-        {
-            return;
-        }
-        out.text(" ");
-    }
-    describe(out, value);
+    describe(out, *static_cast<T const*>(object));
+}
+
+/// Writes what a pointer or an array is compared by. Behind it there may be no text.
+template <typename T>
+void describeAsAddress(CValueWriter& out, void const* object)
+{
+    std::decay_t<T const> const pointer = *static_cast<T const*>(object);
+    describeAddress(out, pointer);
+}
+
+/// Writes a function, which \p object is the address of.
+inline void describeFunction(CValueWriter& out, void const* object)
+{
+    out.address(object);
+}
+
+/// Writes an operand that is compared with a secret, and may be that.
+inline void describeHidden(CValueWriter& out, void const* /*object*/)
+{
+    out.text("<hidden>");
 }
 
 /// Keeps the values of the comparison that has failed for the message of its check.
-QIX_EXPORT void captureOperands(ValueRef const& left, char const* comparison,
-                                ValueRef const& right);
+QIX_EXPORT void captureOperands(ValueRef left, char const* comparison, ValueRef right);
 
 /// Keeps the value that is false for the message of its check.
-QIX_EXPORT void captureOperand(ValueRef const& value);
+QIX_EXPORT void captureOperand(ValueRef value);
 
 /// Notes that a check has failed, together with the values that were kept. Throws when no test is
 /// running.
@@ -118,19 +128,19 @@ template <typename T>
 }
 
 template <typename T>
-constexpr bool isInteger = std::is_integral_v<T> && !std::is_same_v<T, bool>;
+constexpr bool isInteger = std::is_integral_v<T> && !std::is_same_v<std::remove_cv_t<T>, bool>;
 
 template <typename L, typename R>
 constexpr bool haveDifferentSigns =
     isInteger<L>&& isInteger<R>&& std::is_signed_v<L> != std::is_signed_v<R>;
 
 template <typename T>
-constexpr bool isTextPointer =
-    std::is_pointer_v<T>&& std::is_same_v<std::remove_const_t<std::remove_pointer_t<T>>, char>;
+constexpr bool isAnyPointer = std::is_pointer_v<T> || std::is_member_pointer_v<T>;
 
-/// Which way a comparison goes; NULL and 0 are no null pointers any more once they are operands.
+/// True for what is 0 or NULL in the source. On the left side of a comparison it has lost its
+/// meaning as a null pointer once it is an operand.
 template <typename L, typename R>
-constexpr bool isPointerWithNumber = std::is_pointer_v<L>&& isInteger<R>;
+constexpr bool isNumberWithPointer = std::is_integral_v<L>&& isAnyPointer<R>;
 
 // Numbers are compared as the caller wrote them, whatever warnings are on.
 #pragma GCC diagnostic push
@@ -144,15 +154,13 @@ constexpr bool isPointerWithNumber = std::is_pointer_v<L>&& isInteger<R>;
         static constexpr char const* text = #op;                                                   \
                                                                                                    \
         template <typename L, typename R>                                                          \
-        static bool holds(L const& left, R const& right)                                           \
+        static bool holds(L& left, R& right)                                                       \
         {                                                                                          \
-            if constexpr (isPointerWithNumber<L, R>)                                               \
+            if constexpr (isNumberWithPointer<L, R>)                                               \
             {                                                                                      \
-                return left op reinterpret_cast<L>(static_cast<std::intptr_t>(right));             \
-            }                                                                                      \
-            else if constexpr (isPointerWithNumber<R, L>)                                          \
-            {                                                                                      \
-                return reinterpret_cast<R>(static_cast<std::intptr_t>(left)) op right;             \
+                static_assert(std::is_same_v<L, int const> || std::is_same_v<L, long const>,       \
+                              "only 0, NULL and nullptr are null pointers");                       \
+                return left == 0 && static_cast<R>(nullptr) op right;                              \
             }                                                                                      \
             else if constexpr (haveDifferentSigns<L, R>)                                           \
             {                                                                                      \
@@ -185,14 +193,24 @@ QIX_DETAIL_COMPARISON(GreaterOrEqual, >=);
 template <typename>
 constexpr bool alwaysFalse = false;
 
-/// Whether a comparison holds. Nothing can be done with it but ask.
+/// Whether a comparison holds, and its operands. Nothing can be done with it but ask.
 class COutcome
 {
 public:
-    constexpr explicit COutcome(bool holds) noexcept : m_holds(holds) {}
-    constexpr explicit operator bool() const noexcept { return m_holds; }
+    COutcome(bool holds, ValueRef left, char const* comparison, ValueRef right) noexcept
+        : m_left(left), m_right(right), m_comparison(comparison), m_holds(holds)
+    {
+    }
+
+    explicit operator bool() const noexcept { return m_holds; }
+
+    /// Keeps the operands for the message of the check.
+    void capture() const { captureOperands(m_left, m_comparison, m_right); }
 
 private:
+    ValueRef m_left;
+    ValueRef m_right;
+    char const* m_comparison;
     bool m_holds;
 };
 
@@ -229,32 +247,86 @@ COutcome operator,(COutcome const& outcome, T const&)
     return outcome;
 }
 
-template <typename Comparison, typename L, typename R>
-COutcome compare(L const& left, R const& right)
+/// True for types whose objects are secret, and so is what they are compared with.
+template <typename T>
+constexpr bool isHidden = false;
+
+/// The pointer that a comparison sees of an operand, if it sees one.
+template <typename T>
+constexpr bool isComparedByAddress =
+    std::is_pointer_v<std::decay_t<T>> || std::is_null_pointer_v<std::remove_cv_t<T>>;
+
+/// The operand \p value, described as the comparison with an \p Other sees it.
+template <typename Other, typename T>
+ValueRef operand(T& value) noexcept
 {
-    bool const holds = Comparison::holds(left, right);
-    if (!holds)
+    using Value = std::remove_cv_t<T>;
+    if constexpr (isHidden<Value> || isHidden<std::remove_cv_t<Other>>)
     {
-        constexpr bool arePointers =
-            isTextPointer<std::decay_t<L const>> && isTextPointer<std::decay_t<R const>>;
-        captureOperands({std::addressof(left), &describeValue<L, arePointers>}, Comparison::text,
-                        {std::addressof(right), &describeValue<R, arePointers>});
+        return {nullptr, &describeHidden};
     }
-    return COutcome(holds);
+    else if constexpr (std::is_function_v<T>)
+    {
+        return {reinterpret_cast<void const*>(&value), &describeFunction};
+    }
+    else if constexpr (isComparedByAddress<Other> && std::is_pointer_v<std::decay_t<T>>)
+    {
+        return {std::addressof(value), &describeAsAddress<Value>};
+    }
+    else
+    {
+        return {std::addressof(value), &describeValue<Value>};
+    }
 }
 
+template <typename Comparison, typename L, typename R>
+COutcome compare(L& left, R& right)
+{
+    return {Comparison::holds(left, right), operand<R>(left), Comparison::text, operand<L>(right)};
+}
+
+/// Scalars become operands by references to const, which bind to bit-fields, too. All others stay
+/// what they are: their comparison may be an operation that is not const, or take only that type.
+template <typename T>
+constexpr bool isScalar = std::is_scalar_v<std::remove_reference_t<T>>;
+
+/// Numbers are no pointers. A literal 0 is one, and finds the operation that takes a nullptr_t.
+template <typename L, typename R>
+constexpr bool isScalarFor =
+    isScalar<R> && !(isAnyPointer<std::decay_t<L>> && std::is_integral_v<R>);
+
+inline constexpr std::nullptr_t nullPointer = nullptr;
+
+// The && makes them match better than an operation by which a user compares everything.
 #define QIX_DETAIL_COMPARE(op, Comparison)                                                         \
-    template <typename R>                                                                          \
-    COutcome operator op(R const& right) const                                                     \
+    template <typename R, std::enable_if_t<!isScalar<R>, int> = 0>                                 \
+    COutcome operator op(R&& right)&&                                                              \
+    {                                                                                              \
+        return compare<Comparison>(m_value, right);                                                \
+    }                                                                                              \
+    template <typename R, std::enable_if_t<isScalarFor<T, R>, int> = 0>                            \
+    COutcome operator op(R const& right)&&                                                         \
     {                                                                                              \
         return compare<Comparison>(m_value, right);                                                \
     }
 
+#define QIX_DETAIL_COMPARE_NULL(op, Comparison)                                                    \
+    COutcome operator op(std::nullptr_t)&&                                                         \
+    {                                                                                              \
+        return compare<Comparison>(m_value, nullPointer);                                          \
+    }
+
 #define QIX_DETAIL_COMPUTE(op)                                                                     \
-    template <typename R>                                                                          \
-    auto operator op(R const& right) const                                                         \
+    template <typename R, typename L = T, std::enable_if_t<isScalar<L>, int> = 0>                  \
+    auto operator op(R const& right)&&                                                             \
     {                                                                                              \
         return TOperand<decltype(m_value op right)>(m_value op right);                             \
+    }                                                                                              \
+    template <typename R, typename L = T, std::enable_if_t<!isScalar<L>, int> = 0>                 \
+    auto operator op(R&& right)&&                                                                  \
+    {                                                                                              \
+        using Result = decltype(static_cast<L&&>(m_value) op static_cast<R&&>(right));             \
+        return TOperand<Result>(static_cast<L&&>(m_value) op static_cast<R&&>(right));             \
     }
 
 /// The left side of a comparison, or all of an expression that is none.
@@ -272,21 +344,33 @@ public:
     QIX_DETAIL_COMPARE(>, Greater)
     QIX_DETAIL_COMPARE(>=, GreaterOrEqual)
 
+    QIX_DETAIL_COMPARE_NULL(==, Equal)
+    QIX_DETAIL_COMPARE_NULL(!=, NotEqual)
+
     QIX_DETAIL_COMPUTE(<<)
     QIX_DETAIL_COMPUTE(>>)
     QIX_DETAIL_COMPUTE(&)
     QIX_DETAIL_COMPUTE(|)
     QIX_DETAIL_COMPUTE(^)
+#ifdef __cpp_impl_three_way_comparison
+    // clang-format off: for it, which reads C++17, these are two operators
+    QIX_DETAIL_COMPUTE(<= >)
+    // clang-format on
+#endif
 
-    explicit operator bool() const
+    explicit operator bool()
     {
-        using Value = std::remove_const_t<std::remove_reference_t<T>>;
-        bool const holds = static_cast<bool>(m_value);
-        if (!std::is_same_v<std::remove_cv_t<Value>, bool> && !holds)
+        return static_cast<bool>(m_value);
+    }
+
+    /// Keeps the value for the message of the check.
+    void capture()
+    {
+        using Value = std::remove_cv_t<std::remove_reference_t<T>>;
+        if constexpr (!std::is_same_v<Value, bool>)
         {
-            captureOperand({std::addressof(m_value), &describeValue<Value>});
+            captureOperand(operand<void>(m_value));
         }
-        return holds;
     }
 
 private:
@@ -294,6 +378,7 @@ private:
 };
 
 #undef QIX_DETAIL_COMPARE
+#undef QIX_DETAIL_COMPARE_NULL
 #undef QIX_DETAIL_COMPUTE
 
 /// Without it the comma operator would drop the check and keep what was meant as its message.
@@ -301,24 +386,63 @@ template <typename T, typename R>
 COutcome operator,(TOperand<T> const&, R const&)
 {
     static_assert(alwaysFalse<T>, "a check takes one expression, and no message");
-    return COutcome(false);
+    return {false, {nullptr, nullptr}, "", {nullptr, nullptr}};
 }
+
+/// What an operand is kept as that is no scalar; functions become pointers.
+template <typename T>
+using Kept = std::conditional_t<std::is_function_v<std::remove_reference_t<T>>, std::decay_t<T>, T>;
+
+#define QIX_DETAIL_DECOMPOSE(op)                                                                   \
+    template <typename T, std::enable_if_t<isScalar<T>, int> = 0>                                  \
+    TOperand<T const&> operator op(T const& value)&&                                               \
+    {                                                                                              \
+        return TOperand<T const&>(value);                                                          \
+    }                                                                                              \
+    template <typename T, std::enable_if_t<!isScalar<T>, int> = 0>                                 \
+    TOperand<Kept<T&&>> operator op(T&& value)&&                                                   \
+    {                                                                                              \
+        return TOperand<Kept<T&&>>(static_cast<T&&>(value));                                       \
+    }
 
 /// Begins to take an expression apart: it binds to the operand in front.
 class CDecomposer
 {
 public:
-    template <typename T>
-    TOperand<T const&> operator<<(T const& value) const
-    {
-        return TOperand<T const&>(value);
-    }
-
-    template <typename T>
-    TOperand<T const&> operator<=(T const& value) const
-    {
-        return TOperand<T const&>(value);
-    }
+    QIX_DETAIL_DECOMPOSE(<<)
+    QIX_DETAIL_DECOMPOSE(<=)
 };
+
+#undef QIX_DETAIL_DECOMPOSE
+
+/// Whether the checked expression holds. Keeps the operands for the message when it does not.
+inline bool holds(COutcome&& outcome)
+{
+    bool const holds = static_cast<bool>(outcome);
+    if (!holds)
+    {
+        outcome.capture();
+    }
+    return holds;
+}
+
+/// \copydoc holds(COutcome&&)
+template <typename T>
+bool holds(TOperand<T>&& operand)
+{
+    bool const holds = static_cast<bool>(operand);
+    if (!holds)
+    {
+        operand.capture();
+    }
+    return holds;
+}
+
+/// Whether an expression holds that is not taken apart, `a == b ? c : d` say.
+template <typename T>
+bool holds(T&& value)
+{
+    return static_cast<bool>(value);
+}
 
 } // namespace qix::detail

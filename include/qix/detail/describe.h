@@ -1,7 +1,6 @@
 #pragma once
 
-#include <qix/approx.h>
-#include <qix/export.h>
+#include <qix/CValueWriter.h>
 
 #include <cstddef>
 #include <iosfwd>
@@ -9,48 +8,18 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#ifdef __cpp_impl_three_way_comparison
+#include <compare>
+#endif
 
 class wxString;
 
 namespace qix::detail
 {
 
-/// Writes values as people read them, for the messages of failed checks.
-///
-/// Its work is done in the library, so that a test file needs no stream and no container header.
-class QIX_EXPORT CValueWriter
-{
-public:
-    /// Text as it stands.
-    void text(std::string_view bytes);
-
-    /// Text in quotes, what cannot be printed escaped.
-    void quoted(std::string_view bytes);
-    void quoted(std::wstring_view characters);
-    void quoted(wxString const& characters);
-
-    void boolean(bool value);
-    void character(char value);
-    void wideCharacter(char32_t value);
-    void integer(long long value);
-    void unsignedInteger(unsigned long long value);
-    void floating(float value);
-    void floating(double value);
-    void floating(long double value);
-    void address(void const* value);
-
-    /// The \p size bytes from \p object on in hexadecimal.
-    void bytes(void const* object, std::size_t size);
-
-    /// What \p write puts into a stream for \p object.
-    void streamed(void (*write)(std::ostream& stream, void const* object), void const* object);
-
-    /// What has been written.
-    std::string const& written() const noexcept { return m_written; }
-
-private:
-    std::string m_written;
-};
+// These are not among the arithmetic types unless the extensions of GNU are on.
+__extension__ using Int128 = __int128;
+__extension__ using UnsignedInt128 = unsigned __int128;
 
 template <typename T, template <typename> typename Trait, typename = void>
 constexpr bool fulfils = false;
@@ -58,10 +27,14 @@ template <typename T, template <typename> typename Trait>
 constexpr bool fulfils<T, Trait, std::void_t<Trait<T>>> = true;
 
 template <typename T>
+using DescribeTrait = decltype(std::declval<T const&>().describe(std::declval<CValueWriter&>()));
+template <typename T>
 using StreamTrait = decltype(std::declval<std::ostream&>() << std::declval<T const&>());
 template <typename T>
 using RangeTrait =
     decltype(std::begin(std::declval<T const&>()) != std::end(std::declval<T const&>()));
+template <typename T>
+using SizeTrait = std::enable_if_t<std::is_integral_v<decltype(std::declval<T const&>().size())>>;
 template <typename T>
 using MapTrait = typename T::mapped_type;
 template <typename T>
@@ -71,6 +44,10 @@ using OptionalTrait =
     std::enable_if_t<std::is_same_v<decltype(std::declval<T const&>().has_value()), bool>,
                      decltype(*std::declval<T const&>())>;
 template <typename T>
+using ExpectedTrait =
+    std::enable_if_t<std::is_same_v<decltype(std::declval<T const&>().has_value()), bool>,
+                     decltype(std::declval<T const&>().error())>;
+template <typename T>
 using PointerTrait = std::enable_if_t<std::is_pointer_v<decltype(std::declval<T const&>().get())>>;
 template <typename T>
 using BufferTrait =
@@ -79,10 +56,85 @@ template <typename T>
 using TimeTrait = decltype(std::declval<T const&>().count() * T::period::num);
 
 template <typename T>
+constexpr bool isInt128 = std::is_same_v<T, Int128> || std::is_same_v<T, UnsignedInt128>;
+
+/// Strings of the standard library, whichever their characters.
+template <typename T>
+constexpr bool isString = std::is_base_of_v<std::string, T>;
+template <typename Char, typename Traits, typename Allocator>
+constexpr bool isString<std::basic_string<Char, Traits, Allocator>> = true;
+template <typename Char, typename Traits>
+constexpr bool isString<std::basic_string_view<Char, Traits>> = true;
+
+template <typename T>
 void describe(CValueWriter& out, T const& value);
+
+/// Characters of which texts consist.
+template <typename T>
+constexpr bool isCharacter =
+    std::is_same_v<T, char> || std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
+#ifdef __cpp_char8_t
+    std::is_same_v<T, char8_t> ||
+#endif
+    std::is_same_v<T, char32_t>;
+
+template <typename T>
+void quote(CValueWriter& out, std::basic_string_view<T> characters)
+{
+#ifdef __cpp_char8_t
+    if constexpr (std::is_same_v<T, char8_t>)
+    {
+        out.quoted({reinterpret_cast<char const*>(characters.data()), characters.size()});
+        return;
+    }
+    else
+#endif
+    {
+        out.quoted(characters);
+    }
+}
 
 /// The elements of a range that are shown before the rest is counted only.
 constexpr std::size_t shownElements = 50;
+
+/// The elements of a range that does not tell its size that are counted; it may be without end.
+constexpr std::size_t countedElements = 10000;
+
+template <typename T, typename Element>
+void describeElement(CValueWriter& out, Element const& element)
+{
+    if constexpr (fulfils<T, MapTrait>)
+    {
+        describe(out, element.first);
+        out.text(": ");
+        describe(out, element.second);
+    }
+    else
+    {
+        describe(out, element);
+    }
+}
+
+/// Writes how many elements follow the \p count that have been written, or seen.
+template <typename T>
+void describeRest(CValueWriter& out, T const& range, std::size_t count)
+{
+    std::size_t size = count;
+    if constexpr (fulfils<T, SizeTrait>)
+    {
+        size = static_cast<std::size_t>(range.size());
+    }
+    if (size > shownElements && (fulfils<T, SizeTrait> || size < countedElements))
+    {
+        out.text(", and ");
+        out.unsignedInteger(size - shownElements);
+        out.text(" more");
+    }
+    else if (size > shownElements)
+    {
+        out.text(", and more");
+    }
+}
 
 template <typename T>
 void describeRange(CValueWriter& out, T const& range)
@@ -94,25 +146,14 @@ void describeRange(CValueWriter& out, T const& range)
         if (count < shownElements)
         {
             out.text(count == 0 ? "" : ", ");
-            if constexpr (fulfils<T, MapTrait>)
-            {
-                describe(out, element.first);
-                out.text(": ");
-                describe(out, element.second);
-            }
-            else
-            {
-                describe(out, element);
-            }
+            describeElement<T>(out, element);
         }
-        ++count;
+        if (++count > (fulfils<T, SizeTrait> ? shownElements : countedElements))
+        {
+            break;
+        }
     }
-    if (count > shownElements)
-    {
-        out.text(", and ");
-        out.unsignedInteger(count - shownElements);
-        out.text(" more");
-    }
+    describeRest(out, range, count);
     out.text("}");
 }
 
@@ -127,9 +168,23 @@ void describeTuple(CValueWriter& out, T const& tuple, std::index_sequence<i...>)
 }
 
 template <typename T>
+void describeInt128(CValueWriter& out, T value)
+{
+    bool const isNegative = value < 0;
+    auto const bits = static_cast<UnsignedInt128>(value);
+    UnsignedInt128 const magnitude = isNegative ? 0 - bits : bits;
+    out.integer128(isNegative, static_cast<unsigned long long>(magnitude >> 64),
+                   static_cast<unsigned long long>(magnitude));
+}
+
+template <typename T>
 void describeArithmetic(CValueWriter& out, T value)
 {
-    if constexpr (std::is_same_v<T, bool>)
+    if constexpr (isInt128<T>)
+    {
+        describeInt128(out, value);
+    }
+    else if constexpr (std::is_same_v<T, bool>)
     {
         out.boolean(value);
     }
@@ -137,8 +192,13 @@ void describeArithmetic(CValueWriter& out, T value)
     {
         out.character(value);
     }
-    else if constexpr (std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
-                       std::is_same_v<T, char32_t>)
+#ifdef __cpp_char8_t
+    else if constexpr (std::is_same_v<T, char8_t>)
+    {
+        out.character(static_cast<char>(value));
+    }
+#endif
+    else if constexpr (isCharacter<T>)
     {
         out.wideCharacter(static_cast<char32_t>(value));
     }
@@ -157,6 +217,26 @@ void describeArithmetic(CValueWriter& out, T value)
 }
 
 template <typename T>
+void describeTime(CValueWriter& out, T const& value)
+{
+    if constexpr (std::is_integral_v<typename T::rep>)
+    {
+        // hours::max() has more seconds than fit into 64 bits.
+        describeInt128(out, static_cast<Int128>(value.count()) * T::period::num);
+    }
+    else
+    {
+        describe(out, value.count() * T::period::num);
+    }
+    if constexpr (T::period::den != 1)
+    {
+        out.text("/");
+        out.integer(T::period::den);
+    }
+    out.text(" s");
+}
+
+template <typename T>
 void describeAddress(CValueWriter& out, T* value)
 {
     if constexpr (std::is_function_v<T>)
@@ -172,17 +252,33 @@ void describeAddress(CValueWriter& out, T* value)
 template <typename T>
 void describePointer(CValueWriter& out, T* value)
 {
-    if constexpr (std::is_same_v<std::remove_const_t<T>, char>)
+    using Value = std::remove_const_t<T>;
+    if constexpr (isCharacter<Value>)
     {
-        value == nullptr ? out.address(value) : out.quoted(std::string_view(value));
-    }
-    else if constexpr (std::is_same_v<std::remove_const_t<T>, wchar_t>)
-    {
-        value == nullptr ? out.address(value) : out.quoted(std::wstring_view(value));
+        value == nullptr ? out.address(value) : quote(out, std::basic_string_view<Value>(value));
     }
     else
     {
         describeAddress(out, value);
+    }
+}
+
+template <typename T>
+void describeExpected(CValueWriter& out, T const& value)
+{
+    if (!value.has_value())
+    {
+        out.text("unexpected(");
+        describe(out, value.error());
+        out.text(")");
+    }
+    else if constexpr (std::is_void_v<decltype(*value)>)
+    {
+        out.text("expected()");
+    }
+    else
+    {
+        describe(out, *value);
     }
 }
 
@@ -192,13 +288,80 @@ void writeToStream(std::ostream& stream, void const* object)
     stream << *static_cast<T const*>(object);
 }
 
-/// Writes what is no number, pointer or text: the first way that the type offers.
+/// Writes the bytes of an object, unless they are more than its value.
+template <typename T>
+void describeBytes(CValueWriter& out, T const& value)
+{
+    if constexpr (std::has_unique_object_representations_v<T>)
+    {
+        out.bytes(std::addressof(value), sizeof(T));
+    }
+#if __has_builtin(__builtin_clear_padding)
+    else if constexpr (std::is_trivially_copyable_v<T> && sizeof(T) <= 65536)
+    {
+        alignas(T) unsigned char copy[sizeof(T)];
+        __builtin_memcpy(copy, std::addressof(value), sizeof(T));
+        __builtin_clear_padding(reinterpret_cast<T*>(copy));
+        out.bytes(copy, sizeof(T));
+    }
+#endif
+    else
+    {
+        out.opaque(sizeof(T));
+    }
+}
+
+/// Writes an object of a class that neither tells how it is shown nor holds others.
+template <typename T>
+void describeOpaque(CValueWriter& out, T const& value)
+{
+    if constexpr (std::is_convertible_v<T const&, std::wstring_view>)
+    {
+        out.quoted(static_cast<std::wstring_view>(value));
+    }
+    else if constexpr (std::is_empty_v<T>)
+    {
+        out.text("{}");
+    }
+    else
+    {
+        describeBytes(out, value);
+    }
+}
+
+/// Writes an object that holds others: the first way that the type offers.
+template <typename T>
+void describeCompound(CValueWriter& out, T const& value)
+{
+    if constexpr (fulfils<T, RangeTrait>)
+    {
+        describeRange(out, value);
+    }
+    else if constexpr (fulfils<T, TupleTrait>)
+    {
+        describeTuple(out, value, std::make_index_sequence<std::tuple_size<T>::value>());
+    }
+    else if constexpr (fulfils<T, TimeTrait>)
+    {
+        describeTime(out, value);
+    }
+    else
+    {
+        describeOpaque(out, value);
+    }
+}
+
+/// Writes an object of a class or a union: the first way that the type offers.
 template <typename T>
 void describeObject(CValueWriter& out, T const& value)
 {
-    if constexpr (std::is_same_v<T, CApprox>)
+    if constexpr (fulfils<T, DescribeTrait>)
     {
         value.describe(out);
+    }
+    else if constexpr (fulfils<T, ExpectedTrait>)
+    {
+        describeExpected(out, value);
     }
     else if constexpr (fulfils<T, OptionalTrait>)
     {
@@ -213,51 +376,35 @@ void describeObject(CValueWriter& out, T const& value)
     {
         out.bytes(value.getData(), static_cast<std::size_t>(value.getUsed()));
     }
-    else if constexpr (fulfils<T, StreamTrait> && !std::is_array_v<T>)
+    else if constexpr (fulfils<T, StreamTrait>)
     {
+        // A conversion, to text say, is asked for only where there is no stream: types that convert
+        // to many others have one.
         out.streamed(&writeToStream<T>, std::addressof(value));
     }
-    else if constexpr (fulfils<T, RangeTrait>)
+    else if constexpr (std::is_convertible_v<T const&, std::string_view>)
     {
-        describeRange(out, value);
-    }
-    else if constexpr (fulfils<T, TupleTrait>)
-    {
-        describeTuple(out, value, std::make_index_sequence<std::tuple_size<T>::value>());
-    }
-    else if constexpr (fulfils<T, TimeTrait>)
-    {
-        describe(out, value.count() * T::period::num);
-        out.text(T::period::den == 1 ? "" : "/");
-        T::period::den == 1 ? void() : out.integer(T::period::den);
-        out.text(" s");
-    }
-    else if constexpr (std::is_enum_v<T>)
-    {
-        describe(out, static_cast<std::underlying_type_t<T>>(value));
-    }
-    else if constexpr (std::is_empty_v<T>)
-    {
-        out.text("{}");
+        out.quoted(static_cast<std::string_view>(value));
     }
     else
     {
-        out.bytes(std::addressof(value), sizeof(value));
+        describeCompound(out, value);
     }
 }
 
-/// The bytes of text. An array may lack the NUL at its end.
-template <typename T>
-std::string_view textOf(T const& value)
+/// Writes an array, which is text when it consists of characters and may lack the NUL at its end.
+template <typename T, std::size_t n>
+void describeArray(CValueWriter& out, T const (&value)[n])
 {
-    return value;
-}
-
-template <std::size_t n>
-std::string_view textOf(char const (&value)[n])
-{
-    std::string_view const all(value, n);
-    return all.substr(0, all.find('\0'));
+    if constexpr (isCharacter<T>)
+    {
+        std::basic_string_view<T> const all(value, n);
+        quote(out, all.substr(0, all.find(T())));
+    }
+    else
+    {
+        describeRange(out, value);
+    }
 }
 
 /// Writes \p value as best as its type allows.
@@ -268,7 +415,7 @@ void describe(CValueWriter& out, T const& value)
     {
         out.address(nullptr);
     }
-    else if constexpr (std::is_arithmetic_v<T>)
+    else if constexpr (std::is_arithmetic_v<T> || isInt128<T>)
     {
         describeArithmetic(out, value);
     }
@@ -276,17 +423,21 @@ void describe(CValueWriter& out, T const& value)
     {
         describePointer(out, value);
     }
+    else if constexpr (std::is_enum_v<T> && !fulfils<T, StreamTrait>)
+    {
+        describe(out, static_cast<std::underlying_type_t<T>>(value));
+    }
+    else if constexpr (std::is_array_v<T>)
+    {
+        describeArray(out, value);
+    }
     else if constexpr (std::is_base_of_v<wxString, T>)
     {
         out.quoted(static_cast<wxString const&>(value));
     }
-    else if constexpr (std::is_convertible_v<T const&, std::string_view>)
+    else if constexpr (isString<T>)
     {
-        out.quoted(textOf(value));
-    }
-    else if constexpr (std::is_convertible_v<T const&, std::wstring_view>)
-    {
-        out.quoted(static_cast<std::wstring_view>(value));
+        quote(out, std::basic_string_view<typename T::value_type>(value.data(), value.size()));
     }
     else
     {
@@ -295,3 +446,14 @@ void describe(CValueWriter& out, T const& value)
 }
 
 } // namespace qix::detail
+
+namespace qix
+{
+
+template <typename T>
+void CValueWriter::value(T const& value)
+{
+    detail::describe(*this, value);
+}
+
+} // namespace qix

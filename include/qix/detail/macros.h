@@ -13,59 +13,77 @@
 #endif
 
 #define QIX_DETAIL_CHECK(onFailure, text, ...)                                                     \
-    (static_cast<bool>(QIX_DETAIL_TAKE_APART(__VA_ARGS__))                                         \
+    (::qix::detail::holds(QIX_DETAIL_TAKE_APART(__VA_ARGS__))                                      \
          ? static_cast<void>(0)                                                                    \
          : ::qix::detail::onFailure(__FILE__, __LINE__, text))
 
-// The end of the checks of what is thrown, behind their own handlers.
-#define QIX_DETAIL_CATCH_OTHERS(whenThrown, onFailure, text)                                       \
+// Tries the statement of a check of what is thrown: neither its value nor its variables are used.
+#define QIX_DETAIL_TRY(...)                                                                        \
+    bool qixThrew = true;                                                                          \
+    _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wunused-variable\"")         \
+        _Pragma("GCC diagnostic ignored \"-Wunused-value\"")                                       \
+            _Pragma("GCC diagnostic ignored \"-Wunused-result\"")                                  \
+    try                                                                                            \
+    {                                                                                              \
+        {                                                                                          \
+            __VA_ARGS__;                                                                           \
+        }                                                                                          \
+        qixThrew = false;                                                                          \
+    }
+
+// Handles what else the statement throws. What ends a cancelled thread is no exception.
+#define QIX_DETAIL_CATCH(whenThrown)                                                               \
+    catch (::abi::__forced_unwind const&)                                                          \
+    {                                                                                              \
+        throw;                                                                                     \
+    }                                                                                              \
     catch (...)                                                                                    \
     {                                                                                              \
         whenThrown;                                                                                \
     }                                                                                              \
-    if (!qixHolds)                                                                                 \
-    {                                                                                              \
-        ::qix::detail::onFailure(__FILE__, __LINE__, text);                                        \
-    }
+    _Pragma("GCC diagnostic pop")
 
 #define QIX_DETAIL_CHECK_THROWS(onFailure, text, ...)                                              \
     do                                                                                             \
     {                                                                                              \
-        bool qixHolds = false;                                                                     \
-        try                                                                                        \
+        QIX_DETAIL_TRY(__VA_ARGS__)                                                                \
+        QIX_DETAIL_CATCH(static_cast<void>(0))                                                     \
+        if (!qixThrew)                                                                             \
         {                                                                                          \
-            static_cast<void>(__VA_ARGS__);                                                        \
             ::qix::detail::captureNothingThrown();                                                 \
+            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
         }                                                                                          \
-        QIX_DETAIL_CATCH_OTHERS(qixHolds = true, onFailure, text)                                  \
     } while (false)
 
-#define QIX_DETAIL_CHECK_THROWS_AS(onFailure, text, expression, ...)                               \
+#define QIX_DETAIL_CHECK_THROWS_AS(onFailure, text, statement, ...)                                \
     do                                                                                             \
     {                                                                                              \
         bool qixHolds = false;                                                                     \
-        try                                                                                        \
-        {                                                                                          \
-            static_cast<void>(expression);                                                         \
-            ::qix::detail::captureNothingThrown();                                                 \
-        }                                                                                          \
+        QIX_DETAIL_TRY(statement)                                                                  \
         catch (__VA_ARGS__ const&)                                                                 \
         {                                                                                          \
             qixHolds = true;                                                                       \
         }                                                                                          \
-        QIX_DETAIL_CATCH_OTHERS(::qix::detail::captureException(), onFailure, text)                \
+        QIX_DETAIL_CATCH(::qix::detail::captureException())                                        \
+        if (!qixThrew)                                                                             \
+        {                                                                                          \
+            ::qix::detail::captureNothingThrown();                                                 \
+        }                                                                                          \
+        if (!qixHolds)                                                                             \
+        {                                                                                          \
+            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
+        }                                                                                          \
     } while (false)
 
 #define QIX_DETAIL_CHECK_NOTHROW(onFailure, text, ...)                                             \
     do                                                                                             \
     {                                                                                              \
-        bool qixHolds = false;                                                                     \
-        try                                                                                        \
+        QIX_DETAIL_TRY(__VA_ARGS__)                                                                \
+        QIX_DETAIL_CATCH(::qix::detail::captureException())                                        \
+        if (qixThrew)                                                                              \
         {                                                                                          \
-            static_cast<void>(__VA_ARGS__);                                                        \
-            qixHolds = true;                                                                       \
+            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
         }                                                                                          \
-        QIX_DETAIL_CATCH_OTHERS(::qix::detail::captureException(), onFailure, text)                \
     } while (false)
 
 #define QIX_DETAIL_JOIN(prefix, suffix) QIX_DETAIL_JOIN_EXPANDED(prefix, suffix)

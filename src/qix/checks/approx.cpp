@@ -1,5 +1,5 @@
+#include <qix/CValueWriter.h>
 #include <qix/approx.h>
-#include <qix/detail/describe.h>
 #include <zel/CInvalidArgError.h>
 
 #include <algorithm>
@@ -47,7 +47,7 @@ bool CApprox::equals(double other) const noexcept
     return std::abs(other - m_value) <= std::max(m_relative * std::abs(m_value), m_absolute);
 }
 
-void CApprox::describe(detail::CValueWriter& out) const
+void CApprox::describe(CValueWriter& out) const
 {
     out.text("approx(");
     out.floating(m_value);

@@ -12,6 +12,8 @@
 #include <string>
 #include <utility>
 
+#include <cxxabi.h>
+
 namespace qix::detail
 {
 
@@ -21,13 +23,17 @@ namespace
 /// What the check that is failing on this thread has to tell beside its expression.
 thread_local std::string keptText;
 
-void writeValue(CValueWriter& out, ValueRef const& value)
+void writeValue(CValueWriter& out, ValueRef value)
 {
     try
     {
         value.describe(out, value.object);
     }
-    catch (std::exception const&)
+    catch (abi::__forced_unwind const&)
+    {
+        throw;
+    }
+    catch (...)
     {
         out.text("<writing it threw " + withIndentedLines(currentExceptionText()) + ">");
     }
@@ -73,7 +79,7 @@ void noteOrThrow(CheckFailure failure)
 
 } // namespace
 
-void captureOperands(ValueRef const& left, char const* comparison, ValueRef const& right)
+void captureOperands(ValueRef left, char const* comparison, ValueRef right)
 {
     CValueWriter out;
     out.text("with ");
@@ -85,7 +91,7 @@ void captureOperands(ValueRef const& left, char const* comparison, ValueRef cons
     keptText = withoutLineEnds(out.written());
 }
 
-void captureOperand(ValueRef const& value)
+void captureOperand(ValueRef value)
 {
     CValueWriter out;
     out.text("with ");

@@ -6,7 +6,9 @@
 QIX_TEST(rejected, cases)
 {
     int const one = 1;
+    char const* const text = "";
     QIX_CHECK(one == 1);
+    QIX_CHECK(text != nullptr);
 #if defined QIX_REJECTED_and
     QIX_CHECK(one == 1 && one == 2);
 #elif defined QIX_REJECTED_or
@@ -19,6 +21,12 @@ QIX_TEST(rejected, cases)
     QIX_CHECK(one, "a message");
 #elif defined QIX_REJECTED_assignment
     QIX_CHECK(one = 2);
+#elif defined QIX_REJECTED_pointerWithCharacter
+    QIX_CHECK(text != 'a');
+#elif defined QIX_REJECTED_pointerWithNumber
+    QIX_CHECK(text == one);
+#elif defined QIX_REJECTED_characterWithPointer
+    QIX_CHECK('a' != text);
 #endif
 }
 

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include <pthread.h>
+#include <unistd.h>
 #include <unwind.h>
 
 namespace
@@ -205,13 +206,117 @@ TEST(Checks, operandsOfAllKinds)
               "with \"text\" == \"other\"");
 }
 
+std::string addressText(void const* address)
+{
+    qix::CValueWriter out;
+    out.address(address);
+    return out.written();
+}
+
+// Behind a pointer there may be no text: the end of a buffer, say.
 TEST(Checks, pointersToTextAreComparedAndShownAsPointers)
 {
-    char const one[] = "text";
-    char const other[] = "text";
-    char const* const left = one;
-    char const* const right = other;
-    EXPECT_EQ(valuesOf([&] { QIX_CHECK(left == right); }).substr(0, 7), "with 0x");
+    char const text[] = {'a', 'b', 'c'};
+    char const* const begin = text;
+    char const* const end = text + sizeof(text);
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(begin == end); }),
+              "with " + addressText(begin) + " == " + addressText(end));
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(text == end); }),
+              "with " + addressText(begin) + " == " + addressText(end));
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(begin == nullptr); }),
+              "with " + addressText(begin) + " == nullptr");
+    wchar_t const wide[] = {L'a'};
+    wchar_t const* const wideBegin = wide;
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(wideBegin == wide + 1); }),
+              "with " + addressText(wide) + " == " + addressText(wide + 1));
+}
+
+bool isEmptyOrNot(std::vector<int> const& values)
+{
+    return values.empty();
+}
+
+// The comparison in front is the condition, and not what has failed.
+TEST(Checks, capturedOperandsBelongToOneCheck)
+{
+    std::vector<int> const one = {1};
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(one.size() == 0 ? one.empty() : one.empty()); }), "(none)");
+    EXPECT_EQ(withoutPlaces(run(
+                  [&]
+                  {
+                      QIX_CHECK(one.size() == 0 ? one.empty() : !one.empty());
+                      QIX_CHECK(isEmptyOrNot(one) && one.empty());
+                      QIX_FAIL("ended");
+                  })),
+              "QIX_CHECK(isEmptyOrNot(one) && one.empty()) failed\n  ended");
+}
+
+/// A thread that waits to be cancelled inside a check, and what came of it.
+void* waitInCheckThrows(void*)
+{
+    QIX_CHECK_THROWS(pause());
+    return nullptr;
+}
+
+void* waitInCheckThrowsAs(void*)
+{
+    QIX_CHECK_THROWS_AS(pause(), std::exception);
+    return nullptr;
+}
+
+void* waitInCheckNothrow(void*)
+{
+    QIX_CHECK_NOTHROW(pause());
+    return nullptr;
+}
+
+TEST(Checks, threadsCanBeCancelledInsideThem)
+{
+    for (auto const wait : {&waitInCheckThrows, &waitInCheckThrowsAs, &waitInCheckNothrow})
+    {
+        EXPECT_EQ(run(
+                      [wait]
+                      {
+                          pthread_t thread = {};
+                          pthread_create(&thread, nullptr, wait, nullptr);
+                          pthread_cancel(thread);
+                          void* result = nullptr;
+                          pthread_join(thread, &result);
+                          QIX_CHECK(result == PTHREAD_CANCELED);
+                      }),
+                  "ok");
+    }
+}
+
+struct CancelledWhenShown
+{
+};
+
+std::ostream& operator<<(std::ostream& stream, CancelledWhenShown const&)
+{
+    pause();
+    return stream;
+}
+
+bool operator==(CancelledWhenShown const&, CancelledWhenShown const&)
+{
+    return false;
+}
+
+void* waitInOperand(void*)
+{
+    QIX_CHECK(CancelledWhenShown() == CancelledWhenShown());
+    return nullptr;
+}
+
+TEST(Checks, threadsCanBeCancelledWhileAnOperandIsDescribed)
+{
+    pthread_t thread = {};
+    ASSERT_EQ(pthread_create(&thread, nullptr, &waitInOperand, nullptr), 0);
+    pthread_cancel(thread);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
 }
 
 TEST(Checks, expressionsWithCommas)

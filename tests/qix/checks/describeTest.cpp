@@ -16,14 +16,14 @@ using Buffer = zel::TBuffer<char>;
 template <typename T>
 std::string described(T const& value)
 {
-    qix::detail::CValueWriter out;
+    qix::CValueWriter out;
     qix::detail::describe(out, value);
     return out.written();
 }
 
 std::string addressText(void const* address)
 {
-    qix::detail::CValueWriter out;
+    qix::CValueWriter out;
     out.address(address);
     return out.written();
 }

@@ -10,11 +10,13 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <list>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -30,7 +32,7 @@ using test::valuesOf;
 template <typename T>
 std::string shown(T const& value)
 {
-    qix::detail::CValueWriter out;
+    qix::CValueWriter out;
     qix::detail::describe(out, value);
     return out.written();
 }
@@ -232,6 +234,129 @@ TEST(Values, valuesThatThrowAreStillFailures)
     EXPECT_EQ(valuesOf([] { QIX_CHECK(Throwing() == Throwing()); }),
               "with <writing it threw std::runtime_error: no text> == "
               "<writing it threw std::runtime_error: no text>");
+}
+
+struct ThrowingInt
+{
+};
+
+std::ostream& operator<<(std::ostream&, ThrowingInt const&)
+{
+    throw 42;
+}
+
+bool operator==(ThrowingInt const&, ThrowingInt const&)
+{
+    return false;
+}
+
+TEST(Values, whateverTheyThrowTheCheckHasFailed)
+{
+    EXPECT_EQ(valuesOf([] { QIX_CHECK(ThrowingInt() == ThrowingInt()); }),
+              "with <writing it threw int> == <writing it threw int>");
+}
+
+// With the extensions of GNU it is an integer for the standard library, and without them it is not.
+TEST(Values, integersOf128Bits)
+{
+    __extension__ using Int128 = __int128;
+    __extension__ using UnsignedInt128 = unsigned __int128;
+    Int128 const large = static_cast<Int128>(1) << 64;
+    EXPECT_EQ(shown(large + 1), "18446744073709551617");
+    EXPECT_EQ(shown(-large), "-18446744073709551616");
+    EXPECT_EQ(shown(static_cast<Int128>(0)), "0");
+    EXPECT_EQ(shown(~static_cast<UnsignedInt128>(0)), "340282366920938463463374607431768211455");
+    EXPECT_EQ(shown(static_cast<Int128>(static_cast<UnsignedInt128>(1) << 127)),
+              "-170141183460469231731687303715884105728");
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(large + 1 == 1); }), "with 18446744073709551617 == 1");
+}
+
+TEST(Values, longestDurations)
+{
+    EXPECT_EQ(shown(std::chrono::hours::max()), "33204139332677192905200 s");
+    EXPECT_EQ(shown(std::chrono::hours::min()), "-33204139332677192908800 s");
+    EXPECT_EQ(shown(std::chrono::duration<double, std::ratio<60>>(0.5)), "30 s");
+}
+
+/// As std::expected of C++23 is.
+template <typename T, typename E>
+class TExpected
+{
+public:
+    bool has_value() const { return m_hasValue; }
+    T const& operator*() const { return m_value; }
+    E const& error() const { return m_error; }
+
+    bool m_hasValue = false;
+    T m_value = T();
+    E m_error = E();
+};
+
+template <typename E>
+class TExpected<void, E>
+{
+public:
+    bool has_value() const { return m_hasValue; }
+    void operator*() const {}
+    E const& error() const { return m_error; }
+
+    bool m_hasValue = false;
+    E m_error = E();
+};
+
+TEST(Values, expectedOnesOrTheirErrors)
+{
+    EXPECT_EQ(shown(TExpected<int, std::string>{true, 7, ""}), "7");
+    EXPECT_EQ(shown(TExpected<int, std::string>{false, 0, "late"}), "unexpected(\"late\")");
+    EXPECT_EQ(shown(TExpected<void, int>{true, 0}), "expected()");
+    EXPECT_EQ(shown(TExpected<void, int>{false, 3}), "unexpected(3)");
+}
+
+struct Padded
+{
+    char letter;
+    int number;
+};
+
+// What lies between the members is of no value, and has none.
+TEST(Values, paddingIsNotShown)
+{
+    alignas(Padded) unsigned char memory[sizeof(Padded)];
+    std::memset(memory, 0xa5, sizeof(memory));
+    auto* const padded = new (memory) Padded;
+    padded->letter = 'a';
+    padded->number = 1;
+#if __has_builtin(__builtin_clear_padding)
+    EXPECT_EQ(shown(*padded), "<8 bytes: 61 00 00 00 01 00 00 00>");
+#else
+    EXPECT_EQ(shown(*padded), "<8 bytes>");
+#endif
+}
+
+/// The numbers from 0 on, without end.
+struct Endless
+{
+    struct Iterator
+    {
+        int operator*() const { return value; }
+        Iterator& operator++()
+        {
+            ++value;
+            return *this;
+        }
+        bool operator!=(Iterator const&) const { return true; }
+        int value;
+    };
+    Iterator begin() const { return {0}; }
+    Iterator end() const { return {0}; }
+    bool empty() const { return true; }
+};
+
+TEST(Values, rangesWithoutEndAreCut)
+{
+    std::string const text = shown(Endless());
+    EXPECT_EQ(text.substr(0, 9), "{0, 1, 2,");
+    EXPECT_EQ(text.substr(text.size() - 19), ", 48, 49, and more}");
 }
 
 TEST(Values, linesOfValuesAreIndented)

@@ -1,4 +1,4 @@
-#include <qix/detail/describe.h>
+#include <qix/CValueWriter.h>
 #include <zel/String.h>
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <sstream>
 
-namespace qix::detail
+namespace qix
 {
 
 namespace
@@ -61,6 +61,54 @@ std::string shortestText(T value)
     return std::string(digits, end.ptr);
 }
 
+/// Reads one character of UTF-16 off the front; a unit without its other half is left as it is.
+char32_t takeCharacter(std::u16string_view& units)
+{
+    auto const isBetween = [](char16_t unit, char16_t first, char16_t last)
+    { return first <= unit && unit <= last; };
+    char32_t character = units[0];
+    std::size_t taken = 1;
+    if (units.size() > 1 && isBetween(units[0], 0xd800, 0xdbff) &&
+        isBetween(units[1], 0xdc00, 0xdfff))
+    {
+        character = 0x10000 + ((character - 0xd800) << 10) + (units[1] - 0xdc00U);
+        taken = 2;
+    }
+    units.remove_prefix(taken);
+    return character;
+}
+
+std::u32string decodeUtf16(std::u16string_view units)
+{
+    std::u32string characters;
+    while (!units.empty())
+    {
+        characters += takeCharacter(units);
+    }
+    return characters;
+}
+
+bool isCodePoint(char32_t character)
+{
+    return character < 0xd800 || (0xdfff < character && character < 0x110000);
+}
+
+/// The character in the encoding of the locale, or its number.
+std::string encoded(char32_t character)
+{
+    if (character < 0x80)
+    {
+        return escaped(static_cast<char>(character), '"');
+    }
+    if (isCodePoint(character))
+    {
+        return zel::String(wxString(static_cast<wchar_t>(character))).toCPSafe();
+    }
+    char digits[16];
+    std::snprintf(digits, sizeof(digits), "\\x{%x}", static_cast<unsigned>(character));
+    return digits;
+}
+
 } // namespace
 
 void CValueWriter::text(std::string_view bytes)
@@ -81,6 +129,21 @@ void CValueWriter::quoted(std::string_view bytes)
 void CValueWriter::quoted(std::wstring_view characters)
 {
     quoted(wxString(characters.data(), characters.size()));
+}
+
+void CValueWriter::quoted(std::u16string_view units)
+{
+    quoted(std::u32string_view(decodeUtf16(units)));
+}
+
+void CValueWriter::quoted(std::u32string_view characters)
+{
+    m_written += '"';
+    for (char32_t const character : characters)
+    {
+        m_written += encoded(character);
+    }
+    m_written += '"';
 }
 
 void CValueWriter::quoted(wxString const& characters)
@@ -122,6 +185,22 @@ void CValueWriter::unsignedInteger(unsigned long long value)
     m_written += std::to_string(value);
 }
 
+void CValueWriter::integer128(bool isNegative, unsigned long long high, unsigned long long low)
+{
+    // The largest power of ten in 64 bits takes the number apart into at most three pieces.
+    constexpr unsigned long long piece = 10000000000000000000U;
+    __extension__ using UnsignedInt128 = unsigned __int128;
+    UnsignedInt128 rest = static_cast<UnsignedInt128>(high) << 64 | low;
+    std::string digits;
+    for (; rest >= piece; rest /= piece)
+    {
+        std::string const last = std::to_string(static_cast<unsigned long long>(rest % piece));
+        digits.insert(0, std::string(19 - last.size(), '0') + last);
+    }
+    m_written += isNegative ? "-" : "";
+    m_written += std::to_string(static_cast<unsigned long long>(rest)) + digits;
+}
+
 void CValueWriter::floating(float value)
 {
     m_written += shortestText(value);
@@ -149,6 +228,11 @@ void CValueWriter::address(void const* value)
     text(digits);
 }
 
+void CValueWriter::opaque(std::size_t size)
+{
+    m_written += "<" + std::to_string(size) + (size == 1 ? " byte>" : " bytes>");
+}
+
 void CValueWriter::bytes(void const* object, std::size_t size)
 {
     auto const* const begin = static_cast<unsigned char const*>(object);
@@ -168,4 +252,4 @@ void CValueWriter::streamed(void (*write)(std::ostream& stream, void const* obje
     m_written += stream.str();
 }
 
-} // namespace qix::detail
+} // namespace qix
