@@ -272,6 +272,30 @@ TEST_F(TSafeGlobalPointer, threadsThatComeFirstTogetherGetOneObject)
     }
 }
 
+TEST_F(TSafeGlobalPointer, instancesOfTwoModulesMayBeMadeAtTheSameTime)
+{
+    for (int round = 1; round <= 200; ++round)
+    {
+        g_guard.reset();
+        std::atomic<int> waiting{2};
+        auto const makeInstance = [&waiting]
+        {
+            Storage storage(1);
+            --waiting;
+            while (waiting > 0)
+            {
+                zel::threadYield(false);
+            }
+            Global* const global = new (storage.getAddress()) Global(&guard, &create);
+            global->~Global();
+        };
+        std::thread thread(makeInstance);
+        makeInstance();
+        thread.join();
+        ASSERT_EQ(g_creations, round);
+    }
+}
+
 CSafeGlobalGuard g_outerGuard;
 
 CSafeGlobalGuard& outerGuard()

@@ -41,6 +41,16 @@ int breakWithTrapBlocked()
     return status == 0 && sigismember(&now, SIGTRAP) == 1 ? 0 : 1;
 }
 
+int breakWithTrapPending()
+{
+    sigset_t trap;
+    sigemptyset(&trap);
+    sigaddset(&trap, SIGTRAP);
+    sigprocmask(SIG_BLOCK, &trap, nullptr);
+    raise(SIGTRAP);
+    return breakUnderTracer();
+}
+
 void resume(CChildProcess& child, int signal)
 {
     ASSERT_EQ(ptrace(PTRACE_CONT, child.getId(), nullptr, signal), 0) << errno;
@@ -90,6 +100,18 @@ TEST(debugBreak, stopsAlsoWhereTheSignalIsBlocked)
 {
     traceOneBreak(&breakWithTrapBlocked, false);
     traceOneBreak(&breakWithTrapBlocked, true);
+}
+
+TEST(debugBreak, bearsASignalThatHasWaited)
+{
+    CChildProcess child(&breakWithTrapPending);
+    ASSERT_NO_FATAL_FAILURE(expectStop(child, SIGSTOP));
+    ASSERT_NO_FATAL_FAILURE(resume(child, 0));
+    ASSERT_NO_FATAL_FAILURE(expectStop(child, SIGTRAP));
+    ASSERT_NO_FATAL_FAILURE(resume(child, SIGTRAP));
+    ASSERT_NO_FATAL_FAILURE(expectStop(child, SIGTRAP));
+    ASSERT_NO_FATAL_FAILURE(resume(child, SIGTRAP));
+    EXPECT_EQ(child.waitForExit(), 0);
 }
 
 } // namespace

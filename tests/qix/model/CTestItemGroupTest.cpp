@@ -106,6 +106,22 @@ TEST(CTestItemGroup, dropsAFactoryThatHasDoneItsWork)
     EXPECT_EQ(factory->getRefCount(), 1);
 }
 
+TEST(CTestItemGroup, dropsEachFactoryBeforeTheNextIsCalled)
+{
+    CTestItemGroup group("");
+    P<CFunctionFactory> const first = makeFactory("first");
+    int referencesToFirst = 0;
+    group.addFactory(first);
+    group.addFactory(zel::newObj<CFunctionFactory>(
+        [&]
+        {
+            referencesToFirst = first->getRefCount();
+            return zel::newObj<CFunctionTestItem>("second");
+        }));
+    subItemsOf(group);
+    EXPECT_EQ(referencesToFirst, 1);
+}
+
 TEST(CTestItemGroup, finishedItemsStandBeforePendingOnes)
 {
     COpenGroup group("");

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -123,6 +124,19 @@ TEST_F(RunMain, exceptionEndsInOneLine)
     EXPECT_THAT(output(), HasSubstr("basic_string::substr"));
     std::string const text = output();
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1);
+}
+
+TEST_F(RunMain, takesNothingButTheCharactersFromTheLocale)
+{
+    test::CScopedEnvVar const variable("LC_ALL", "C.UTF-8");
+    add(
+        [](CFunctionTestItem&, qix::ITestRunner&)
+        {
+            std::printf("%s and %s\n", std::setlocale(LC_CTYPE, nullptr),
+                        std::setlocale(LC_NUMERIC, nullptr));
+        });
+    EXPECT_EQ(runMain({"program", "4"}), 0);
+    EXPECT_THAT(output(), HasSubstr("\nC.UTF-8 and C\n"));
 }
 
 TEST_F(RunMain, helpNeedsNoNameOfTheProgram)

@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -225,6 +227,46 @@ TEST(RegisteredGroups, knowOfInteractiveItemsThatAreAddedByHand)
     item->m_interactive = true;
     dynamic_cast<qix::CTestItemGroup&>(*group).addSubItem(item);
     EXPECT_TRUE(group->containsAnyInteractive());
+}
+
+TEST(RegisteredGroups, makeTheirTestsOnDifferentThreadsAtTheSameTime)
+{
+    constexpr std::size_t count = 200;
+    static std::vector<std::string> const names = []
+    {
+        std::vector<std::string> made;
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            made.push_back("test" + std::to_string(i));
+        }
+        return made;
+    }();
+    zel::P<qix::ITestItem> groups[2];
+    for (std::size_t i = 0; i < 2; ++i)
+    {
+        static char const* const paths[] = {"oneHalf", "otherHalf"};
+        for (std::string const& name : names)
+        {
+            registerLate(paths[i], name.c_str());
+        }
+        groups[i] = groupNamed(paths[i]);
+    }
+    std::atomic<int> waiting{2};
+    std::vector<std::string> found[2];
+    auto const ask = [&](std::size_t i)
+    {
+        --waiting;
+        while (waiting > 0)
+        {
+            std::this_thread::yield();
+        }
+        found[i] = namesOfChildren(*groups[i]);
+    };
+    std::thread thread(ask, 0);
+    ask(1);
+    thread.join();
+    EXPECT_EQ(found[0], names);
+    EXPECT_EQ(found[1], names);
 }
 
 TEST(RegisteredGroups, mayBelongToDifferentThreads)

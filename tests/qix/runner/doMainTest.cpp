@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <clocale>
 #include <csignal>
+#include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <utility>
 
 #include <sys/stat.h>
@@ -26,6 +28,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
+
+/// So long a run may take before it counts as hanging.
+constexpr unsigned patience = 60; // seconds
 
 TEST_F(DoMain, worksInTheFolderOfTheUser)
 {
@@ -203,6 +208,42 @@ TEST_F(DoMain, negativeCountShowsTheMenuToo)
     type("0\n");
     EXPECT_EQ(inChild([] { return CConsoleTestRunner::doMain(-1, nullptr); }), 0);
     EXPECT_THAT(output(), HasSubstr("Please select"));
+}
+
+TEST_F(DoMain, menuShowsWhatALineDidBeforeItReadsTheNext)
+{
+    int inputEnds[2];
+    int outputEnds[2];
+    ASSERT_EQ(pipe2(inputEnds, O_CLOEXEC), 0);
+    ASSERT_EQ(pipe2(outputEnds, O_CLOEXEC), 0);
+    CChildProcess child(
+        [&]
+        {
+            alarm(patience);
+            dup2(inputEnds[0], STDIN_FILENO);
+            dup2(outputEnds[1], STDOUT_FILENO);
+            // Reading from the one would flush the other.
+            std::cin.tie(nullptr);
+            registerTests();
+            return CConsoleTestRunner::doMain(0, nullptr) ? 0 : 1;
+        });
+    close(outputEnds[1]);
+    for (char const* const line : {"two\n", "0\n"})
+    {
+        std::string text;
+        char byte = 0;
+        while (text.find("(2) two\n") == std::string::npos && read(outputEnds[0], &byte, 1) == 1)
+        {
+            text += byte;
+        }
+        ASSERT_EQ(write(inputEnds[1], line, std::strlen(line)),
+                  static_cast<ssize_t>(std::strlen(line)));
+    }
+    EXPECT_EQ(child.waitForExit(), 0);
+    for (int const end : {inputEnds[0], inputEnds[1], outputEnds[0]})
+    {
+        close(end);
+    }
 }
 
 /// The end of a dialogue that would never end of itself: enough has been printed.

@@ -6,9 +6,12 @@
 #include <qix/CTestSkippedException.h>
 
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -24,6 +27,81 @@ using testing::StartsWith;
 class RunnerLog : public test::RunnerTest
 {
 };
+
+/// Stands in for standard output while it lives, and looks at each write before it is made.
+class CWatchedOutput
+{
+public:
+    using Look = std::function<void(std::string const& written)>;
+
+    explicit CWatchedOutput(Look look)
+        : m_look(std::move(look)),
+          m_old(std::exchange(stdout, fopencookie(this, "w", {nullptr, &write, nullptr, nullptr})))
+    {
+    }
+
+    ~CWatchedOutput() { std::fclose(std::exchange(stdout, m_old)); }
+
+    CWatchedOutput(CWatchedOutput const&) = delete;
+    CWatchedOutput& operator=(CWatchedOutput const&) = delete;
+
+private:
+    static ssize_t write(void* self, char const* bytes, std::size_t count)
+    {
+        static_cast<CWatchedOutput*>(self)->m_look(std::string(bytes, count));
+        return static_cast<ssize_t>(count);
+    }
+
+    Look m_look;
+    std::FILE* m_old;
+};
+
+TEST_F(RunnerLog, resultIsWrittenBehindItsProgressCharacter)
+{
+    add("item",
+        [](CFunctionTestItem&, ITestRunner& run)
+        {
+            run.beginSubTest("inner", ITestItem::None, false, false);
+            run.endSubTest_Success();
+        });
+    std::string logAtProgress;
+    CWatchedOutput const output(
+        [&logAtProgress](std::string const& written)
+        {
+            if (written == ".")
+            {
+                logAtProgress = log();
+            }
+        });
+    EXPECT_TRUE(runAll());
+    EXPECT_EQ(logAtProgress, "item\n");
+    EXPECT_THAT(log(), StartsWith("item\n  -> ok"));
+}
+
+TEST_F(RunnerLog, isClosedBeforeTheReportIsPrinted)
+{
+    bool isClosed = false;
+    add("item");
+    auto const before = test::countDescriptors();
+    CWatchedOutput const output(
+        [&](std::string const& written)
+        {
+            if (written.find("1 OK") != std::string::npos)
+            {
+                isClosed = test::countDescriptors() == before;
+            }
+        });
+    EXPECT_TRUE(runAll());
+    EXPECT_TRUE(isClosed);
+}
+
+TEST_F(RunnerLog, textEndsAtItsFirstNul)
+{
+    runner().openLog();
+    runner().logNoIndent(std::string("one\0two", 7));
+    runner().logIndent(std::string("three\0four\n", 11));
+    EXPECT_EQ(log(), "onethree");
+}
 
 TEST_F(RunnerLog, showsTheTreeWithOutputAndResults)
 {

@@ -1,8 +1,11 @@
 // Runs of tests and the threads that take part in them.
 
 #include "CChildProcess.h"
+#include "CNotingRunner.h"
 #include "checks/bodyTest.h"
 
+#include <qix/CTestFailedException.h>
+#include <zel/String.h>
 #include <zel/thread.h>
 
 #include <gmock/gmock.h>
@@ -14,6 +17,8 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -21,6 +26,7 @@ namespace
 {
 
 using test::CChildProcess;
+using testing::EndsWith;
 using testing::HasSubstr;
 
 /// So long a child process may take before it counts as hanging.
@@ -119,6 +125,131 @@ TEST(CTestContext, aRunDoesNotEndWhileAThreadRecordsALine)
     item.run(nullptr);
     EXPECT_TRUE(isRecorded);
     thread.join();
+}
+
+TEST(CTestContext, runsOfTwoThreadsMayEndInTheOrderOfTheirBeginning)
+{
+    std::promise<void> firstRuns;
+    std::promise<void> secondRuns;
+    std::thread first(
+        [&]
+        {
+            test::run(
+                [&]
+                {
+                    firstRuns.set_value();
+                    secondRuns.get_future().wait();
+                });
+        });
+    firstRuns.get_future().wait();
+    std::string const text = test::run(
+        [&]
+        {
+            secondRuns.set_value();
+            first.join();
+            std::thread([] { QIX_CHECK(1 == 2); }).join();
+        });
+    EXPECT_EQ(test::withoutPlaces(text), "QIX_CHECK(1 == 2) failed\n    with 1 == 2");
+}
+
+/// Runs sub-tests, and checks something when one has ended.
+class CCheckingRunner : public test::CNotingRunner
+{
+public:
+    bool beginSubTest(std::string const&, qix::ITestItem::Duration, bool, bool) override
+    {
+        return true;
+    }
+    void endSubTest_Success() override { QIX_CHECK(1 == 2); }
+};
+
+TEST(CTestContext, whatIsCheckedBehindASubTestBelongsToTheTestAroundIt)
+{
+    test::CBodyTest item([] { qix::subTest("row", [] {}); });
+    CCheckingRunner runner;
+    EXPECT_THROW(item.run(&runner), qix::CTestFailedException);
+}
+
+/// Ends a test while another thread fails checks, which throw when there is no test any more.
+/// \return the text of the failure, and how many checks were taken
+std::pair<std::string, int> endWhileAnotherThreadChecks()
+{
+    std::atomic<int> taken{0};
+    auto const checkUntilTheEnd = [&taken]
+    {
+        try
+        {
+            for (;;)
+            {
+                QIX_CHECK(1 == 2);
+                ++taken;
+            }
+        }
+        catch (qix::CTestFailedException const&)
+        {
+        }
+    };
+    std::thread thread;
+    std::string const text = test::run(
+        [&]
+        {
+            thread = std::thread(checkUntilTheEnd);
+            while (taken < 200)
+            {
+                std::this_thread::yield();
+            }
+        });
+    thread.join();
+    return {text, taken};
+}
+
+TEST(CTestContext, noCheckIsLostWhileTheTestEnds)
+{
+    for (int round = 0; round < 50; ++round)
+    {
+        auto const [text, taken] = endWhileAnotherThreadChecks();
+        ASSERT_THAT(text, EndsWith("and " + std::to_string(taken - 100) + " more"));
+    }
+}
+
+/// Lets threads do some work at the same time, with nothing between them that orders it.
+void workOnThreads(std::function<void()> const& work)
+{
+    std::atomic<int> waiting{4};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+    {
+        threads.emplace_back(
+            [&]
+            {
+                --waiting;
+                while (waiting > 0)
+                {
+                    std::this_thread::yield();
+                }
+                for (int j = 0; j < 250; ++j)
+                {
+                    work();
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+}
+
+TEST(CTestContext, threadsMayFailChecksAtTheSameTime)
+{
+    std::string const text = test::run([] { workOnThreads([] { QIX_CHECK(1 == 2); }); });
+    EXPECT_THAT(text, HasSubstr("and 900 more"));
+}
+
+TEST(CTestContext, threadsMayRecordLinesAtTheSameTime)
+{
+    test::CBodyTest item([] {});
+    workOnThreads([&item] { item.log("line"); });
+    EXPECT_EQ(item.getLog().size(), 1000U);
 }
 
 /// Forks again and again while another thread does what each child does, too.
