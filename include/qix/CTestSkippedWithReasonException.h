@@ -14,6 +14,7 @@ public:
     /// \param reason  why, for people; the message stays "Test skipped"
     explicit CTestSkippedWithReasonException(zel::String const& reason) : m_reason(reason) {}
 
+    /// Why, as it was given.
     zel::String const& getReason() const noexcept { return m_reason; }
 
     zel::P<zel::CError> clone() const override

@@ -30,10 +30,13 @@ public:
         NotInteractive ///< it contains nothing that needs a human, and only such tests may run
     };
 
+    /// A run begins: none of its tests has begun.
     virtual void onRunBegin(RunInfo const& /*run*/) {}
+
+    /// A test, a group or a sub-test begins.
     virtual void onTestBegin(TestInfo const& /*test*/) {}
 
-    /// \param test  what onTestBegin() was told
+    /// What began last ends. The first argument is what onTestBegin() was told.
     virtual void onTestEnd(TestInfo const& /*test*/, TestOutcome const& /*outcome*/) {}
 
     /// The test does not begin, nor does anything in it. It counts as skipped.

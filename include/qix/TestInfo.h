@@ -13,6 +13,7 @@ namespace qix
 /// What is known of a test, a group or a sub-test before it is run.
 struct TestInfo
 {
+    /// What it is.
     enum Kind
     {
         Group,  ///< an item with children
@@ -20,7 +21,7 @@ struct TestInfo
         SubTest ///< something that a test reports beside itself, such as a row of a table
     };
 
-    Kind kind = Test;
+    Kind kind = Test;               ///< what it is
     std::vector<std::string> names; ///< its path: those around it, the outermost first, and its own
     ITestItem::Duration duration = ITestItem::None; ///< how long it is expected to take
     bool interactive = false;                       ///< it needs a human

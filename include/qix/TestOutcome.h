@@ -13,6 +13,7 @@ namespace qix
 /// How a test, a group or a sub-test has ended.
 struct TestOutcome
 {
+    /// What became of it.
     enum Kind
     {
         Ok,
@@ -21,7 +22,7 @@ struct TestOutcome
         Skipped  ///< does not apply here
     };
 
-    Kind kind = Ok;
+    Kind kind = Ok;                     ///< what became of it
     std::string message;                ///< what() of what ended it, as printed; empty for Ok
     std::vector<CheckFailure> failures; ///< why it Failed, the first ones; empty for all others
     zel::String reason;                 ///< why it was Aborted or Skipped; empty when nobody said

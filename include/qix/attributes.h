@@ -9,12 +9,14 @@ namespace qix
 namespace attributes
 {
 
-/// See ITestItem::Duration.
+/// @{
+/// How long the test is expected to take; see ITestItem::Duration.
 constexpr ITestItem::Duration None = ITestItem::None;
 constexpr ITestItem::Duration Short = ITestItem::Short;
 constexpr ITestItem::Duration Long = ITestItem::Long;
 constexpr ITestItem::Duration VeryLong = ITestItem::VeryLong;
 constexpr ITestItem::Duration Hours = ITestItem::Hours;
+/// @}
 
 /// The test needs a human at the console.
 enum Interactivity

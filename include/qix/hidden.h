@@ -64,9 +64,8 @@ using IfHidden = std::enable_if_t<isHidden<L> || isHidden<R>, bool>;
 
 } // namespace detail
 
-/// \name Comparisons of values one of which is hidden
-/// Each holds when that of the values does.
-/// \{
+/// @{
+/// Compares values one of which is hidden: holds when the comparison of the values does.
 template <typename L, typename R>
 detail::IfHidden<L, R> operator==(L const& left, R const& right)
 {
@@ -97,6 +96,6 @@ detail::IfHidden<L, R> operator>=(L const& left, R const& right)
 {
     return detail::GreaterOrEqual::holds(detail::revealed(left), detail::revealed(right));
 }
-/// \}
+/// @}
 
 } // namespace qix
