@@ -2,7 +2,7 @@
 
 #include <qix/ILocatedItem.h>
 #include <qix/ITestItem.h>
-#include <qix/detail/narrowText.h>
+#include <qix/detail/logLine.h>
 #include <qix/detail/subTest.h>
 #include <qix/export.h>
 #include <zel/CBase.h>
@@ -68,11 +68,12 @@ public:
     void log(zel::String const& line) override;
 
     /// Records one line of bytes: they are read as UTF-8 if that is what they are, and as
-    /// ISO-8859-1 otherwise. A null pointer gives an empty line.
-    template <typename T, typename = std::enable_if_t<detail::isNarrowText<T>>>
+    /// ISO-8859-1 otherwise. A null pointer gives an empty line. Of what is no text, the line is
+    /// what a failed check shows.
+    template <typename T, typename = std::enable_if_t<!detail::isDecodedText<T>>>
     void log(T const& line)
     {
-        logBytes(detail::viewOf(line));
+        logBytes(detail::lineOf(line));
     }
 
     std::vector<zel::String> const& getLog() const override { return m_logLines; }

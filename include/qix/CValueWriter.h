@@ -83,7 +83,7 @@ public:
     std::string const& written() const noexcept { return m_written; }
 
 private:
-    std::string m_written;
+    std::string m_written = {};
 };
 
 } // namespace qix

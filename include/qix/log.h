@@ -1,6 +1,6 @@
 #pragma once
 
-#include <qix/detail/narrowText.h>
+#include <qix/detail/logLine.h>
 #include <qix/export.h>
 
 #include <string_view>
@@ -22,18 +22,19 @@ QIX_EXPORT void logText(zel::String const& line);
 
 } // namespace detail
 
-/// Records one line of the running test's output: text as CTestItem::log() takes it. Safe to call
+/// Records one line of the running test's output: text as CTestItem::log() takes it, and any other
+/// value as a failed check shows it. Safe to call
 /// from threads that the test has started. Throws zel::CError outside of tests.
 template <typename T>
 void log(T const& line)
 {
-    if constexpr (detail::isNarrowText<T>)
+    if constexpr (detail::isDecodedText<T>)
     {
-        detail::logBytes(detail::viewOf(line));
+        detail::logText(line);
     }
     else
     {
-        detail::logText(line);
+        detail::logBytes(detail::lineOf(line));
     }
 }
 

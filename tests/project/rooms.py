@@ -38,7 +38,7 @@ PUBLIC = {
               'RunCounts', 'RunInfo', 'SourceLocation', 'TestInfo', 'TestOutcome', 'export'],
     'text': ['CValueWriter', 'detail/describe'],
     'runner': ['CConsoleTestRunner'],
-    'testing': ['CTestItem', 'CTestScope', 'detail/narrowText',
+    'testing': ['CTestItem', 'CTestScope', 'detail/logLine', 'detail/narrowText',
                 'detail/subTest', 'log', 'subTest'],
     'checks': ['approx', 'detail/check', 'hidden', 'noteFailure'],
     'registration': ['attributes', 'detail/registration'],

@@ -130,6 +130,20 @@ template <typename T>
 template <typename T>
 constexpr bool isInteger = std::is_integral_v<T> && !std::is_same_v<std::remove_cv_t<T>, bool>;
 
+#ifdef __cpp_impl_three_way_comparison
+/// What <=> gives, which can be compared with a literal 0 only.
+template <typename T>
+constexpr bool isOrdering =
+    std::is_same_v<T, std::strong_ordering> || std::is_same_v<T, std::weak_ordering> ||
+    std::is_same_v<T, std::partial_ordering>;
+#else
+template <typename>
+constexpr bool isOrdering = false;
+#endif
+
+template <typename L, typename R>
+constexpr bool isOrderingWithZero = isOrdering<std::remove_cv_t<L>>&& std::is_same_v<R, int const>;
+
 template <typename L, typename R>
 constexpr bool haveDifferentSigns =
     isInteger<L>&& isInteger<R>&& std::is_signed_v<L> != std::is_signed_v<R>;
@@ -146,6 +160,7 @@ constexpr bool isNumberWithPointer = std::is_integral_v<L>&& isAnyPointer<R>;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wfloat-equal"
 #pragma GCC diagnostic ignored "-Wsign-compare"
+#pragma GCC diagnostic ignored "-Wzero-as-null-pointer-constant"
 
 /// Integers of different signedness are compared by their values: -1 is less than 1u.
 #define QIX_DETAIL_COMPARISON(name, op)                                                            \
@@ -161,6 +176,10 @@ constexpr bool isNumberWithPointer = std::is_integral_v<L>&& isAnyPointer<R>;
                 static_assert(std::is_same_v<L, int const> || std::is_same_v<L, long const>,       \
                               "only 0, NULL and nullptr are null pointers");                       \
                 return left == 0 && static_cast<R>(nullptr) op right;                              \
+            }                                                                                      \
+            else if constexpr (isOrderingWithZero<L, R>)                                           \
+            {                                                                                      \
+                return right == 0 && left op 0;                                                    \
             }                                                                                      \
             else if constexpr (haveDifferentSigns<L, R>)                                           \
             {                                                                                      \
@@ -213,6 +232,10 @@ private:
     char const* m_comparison;
     bool m_holds;
 };
+
+// Nobody gets as far as to miss that these evaluate both sides, of which -Weffc++ warns.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Weffc++"
 
 // What would be computed with the outcome of a comparison is a mistake, or shows no values.
 #define QIX_DETAIL_REFUSE(op)                                                                      \
@@ -353,8 +376,15 @@ public:
     QIX_DETAIL_COMPUTE(|)
     QIX_DETAIL_COMPUTE(^)
 #ifdef __cpp_impl_three_way_comparison
-    // clang-format off: for it, which reads C++17, these are two operators
-    QIX_DETAIL_COMPUTE(<= >)
+    // It is considered for each < as well, and so stands back where there is no such comparison.
+    // For clang-format, which reads C++17, these are two operators.
+    // clang-format off
+    template <typename R>
+    auto operator<=>(R const& right) &&
+        -> TOperand<decltype(std::declval<std::remove_reference_t<T> const&>() <=> right)>
+    {
+        return TOperand<decltype(std::as_const(m_value) <=> right)>(std::as_const(m_value) <=> right);
+    }
     // clang-format on
 #endif
 
@@ -404,6 +434,8 @@ using Kept = std::conditional_t<std::is_function_v<std::remove_reference_t<T>>, 
     {                                                                                              \
         return TOperand<Kept<T&&>>(static_cast<T&&>(value));                                       \
     }
+
+#pragma GCC diagnostic pop
 
 /// Begins to take an expression apart: it binds to the operand in front.
 class CDecomposer

@@ -311,6 +311,20 @@ void describeBytes(CValueWriter& out, T const& value)
     }
 }
 
+/// The streams of the standard library, by the operations that tell their state.
+template <typename T>
+using StreamStateTrait =
+    std::enable_if_t<std::is_same_v<decltype(std::declval<T const&>().eof()), bool>,
+                     decltype(std::declval<T const&>().rdstate())>;
+
+template <typename T>
+void describeStreamState(CValueWriter& out, T const& stream)
+{
+    out.text(stream.good() ? "<stream: good" : "<stream:");
+    out.text(stream.bad() ? " bad" : stream.fail() ? " failed" : "");
+    out.text(stream.eof() ? " at its end>" : ">");
+}
+
 /// Writes an object of a class that neither tells how it is shown nor holds others.
 template <typename T>
 void describeOpaque(CValueWriter& out, T const& value)
@@ -319,6 +333,16 @@ void describeOpaque(CValueWriter& out, T const& value)
     {
         out.quoted(static_cast<std::wstring_view>(value));
     }
+#ifdef __cpp_impl_three_way_comparison
+    else if constexpr (std::is_convertible_v<T const&, std::partial_ordering>)
+    {
+        std::partial_ordering const order = value;
+        out.text(std::is_lt(order)   ? "less"
+                 : std::is_gt(order) ? "greater"
+                 : std::is_eq(order) ? "equal"
+                                     : "unordered");
+    }
+#endif
     else if constexpr (std::is_empty_v<T>)
     {
         out.text("{}");
@@ -344,6 +368,10 @@ void describeCompound(CValueWriter& out, T const& value)
     else if constexpr (fulfils<T, TimeTrait>)
     {
         describeTime(out, value);
+    }
+    else if constexpr (fulfils<T, StreamStateTrait>)
+    {
+        describeStreamState(out, value);
     }
     else
     {

@@ -13,6 +13,7 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -665,6 +666,36 @@ protected:
     void body() override { QIX_SKIP(); }
     void tearDown() override { QIX_ABORT("behind the skip"); }
 };
+
+TEST(Checks, whateverCanBeDescribedCanBeLogged)
+{
+    class CLogging : public qix::CTestItem
+    {
+    public:
+        CLogging() : CTestItem("test") {}
+
+    protected:
+        void body() override
+        {
+            log(42);
+            qix::log(std::vector<int>{1, 2});
+            qix::log(L"wide");
+            log(nullptr);
+        }
+    };
+    CLogging test;
+    test.run(nullptr);
+    EXPECT_EQ(test.getLog(), (std::vector<zel::String>{"42", "{1, 2}", "wide", "nullptr"}));
+}
+
+TEST(Checks, streamsThatFailTellTheirState)
+{
+    std::istringstream in("x");
+    int number = 0;
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(in >> number); }), "with <stream: failed>");
+    std::istringstream empty;
+    EXPECT_EQ(valuesOf([&] { QIX_CHECK(empty >> number); }), "with <stream: failed at its end>");
+}
 
 TEST(Checks, linesAreTexts)
 {
