@@ -166,9 +166,9 @@ void warnAboutDuration(CConsoleTestRunner const& runner, ITestItem::Duration dur
     }
 }
 
-/// The names of the running sub-tests, the outermost first.
+/// The names of the running sub-tests, the outermost first, and of one inside them.
 template <typename Records>
-std::vector<std::string> namesOf(Records const& running)
+std::vector<std::string> namesOf(Records const& running, std::string const& name)
 {
     std::vector<std::string> names;
     names.reserve(running.size() + 1);
@@ -176,6 +176,7 @@ std::vector<std::string> namesOf(Records const& running)
     {
         names.push_back(record.name);
     }
+    names.push_back(name);
     return names;
 }
 
@@ -296,19 +297,18 @@ bool CConsoleTestRunner::beginSubTest(std::string const& name, ITestItem::Durati
         ++m_nSkipped;
         if (CListeners::areThere())
         {
-            std::vector<std::string> names = namesOf(m_running);
-            names.push_back(name);
-            CRunEvents::ofThisThread().filter(std::move(names), duration, isInteractive, *filter);
+            CRunEvents::ofThisThread().filter(namesOf(m_running, name), duration, isInteractive,
+                                              *filter);
         }
         return false;
+    }
+    if (CListeners::areThere())
+    {
+        CRunEvents::ofThisThread().begin(this, namesOf(m_running, name), duration, isInteractive);
     }
     m_running.push_back({name, m_beginCount, duration, isInteractive, std::time(nullptr)});
     ++m_beginCount;
     m_indent += indentOfOneLevel;
-    if (CListeners::areThere())
-    {
-        CRunEvents::ofThisThread().begin(this, namesOf(m_running), duration, isInteractive);
-    }
     return true;
 }
 

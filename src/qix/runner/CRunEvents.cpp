@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace qix
@@ -212,7 +213,7 @@ CRunScope::~CRunScope()
 {
     if (m_isOpen)
     {
-        end();
+        endUnwound();
     }
     t_innermostRun = m_outer;
 }
@@ -220,6 +221,18 @@ CRunScope::~CRunScope()
 void CRunScope::begin(RunInfo const& run)
 {
     CRunEvents::ofThisThread().beginRun(run);
+}
+
+void CRunScope::endUnwound() noexcept
+{
+    try
+    {
+        end();
+    }
+    catch (std::bad_alloc const&)
+    {
+        // What is leaving the run tells of it.
+    }
 }
 
 bool CRunScope::end()

@@ -111,6 +111,8 @@ public:
     void noteThrownByListener() noexcept { m_hasListenerThrown = true; }
 
 private:
+    void endUnwound() noexcept;
+
     // What a test around this run is just reporting says nothing about the tests of this run.
     CReportedException const m_noException{nullptr};
     CReportedLocation const m_noLocation{nullptr};
