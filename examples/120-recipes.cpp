@@ -102,7 +102,7 @@ QIX_TEST(secrets, skipsWithoutFile)
 {
     if (std::getenv("ZEL_TEST_SECRETS") == nullptr)
     {
-        QIX_SKIP();
+        QIX_SKIP("ZEL_TEST_SECRETS is not set");
     }
     QIX_CHECK(!qix::getTestSecret("database", "password").empty());
 }
