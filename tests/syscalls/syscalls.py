@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Counts the system calls of a run: each test costs two writes, the line of the log and the
-progress character, and nothing else.
+progress character, and nothing else, with options and without.
 
 usage: syscalls.py BINARY      BINARY runs as many tests as BENCH_TESTS tells
 """
@@ -17,11 +17,11 @@ TESTS = 1000
 MEMORY = {"brk", "mmap", "munmap", "mremap"}  # the tests themselves have to live somewhere
 
 
-def count(binary, tests):
+def count(binary, argument, tests):
     """The number of calls of each kind."""
     with tempfile.TemporaryDirectory(prefix="qix syscalls ") as folder:
         table = Path(folder) / "table"
-        command = ["strace", "-c", "-f", "-U", "calls,name", "-o", str(table), binary, "*"]
+        command = ["strace", "-c", "-f", "-U", "calls,name", "-o", str(table), binary, argument]
         environment = {**os.environ, "BENCH_TESTS": str(tests), "QIX_TESTWORKDIR": folder}
         subprocess.run(command, env=environment, stdout=subprocess.DEVNULL, check=True)
         rows = [line.split() for line in table.read_text().splitlines()]
@@ -37,12 +37,16 @@ def main(binary):
     if not can_trace():
         print("strace is not there, or may not trace")
         return SKIPPED
-    few, many = count(binary, TESTS), count(binary, 2 * TESTS)
+    return 0 if costs_two_writes(binary, "*") and costs_two_writes(binary, "--run=*") else 1
+
+
+def costs_two_writes(binary, argument):
+    few, many = count(binary, argument, TESTS), count(binary, argument, 2 * TESTS)
     names = (few.keys() | many.keys()) - MEMORY - {"total"}
     growth = {name: many.get(name, 0) - few.get(name, 0) for name in sorted(names)}
     growing = {name: calls for name, calls in growth.items() if calls != 0}
-    print(f"{TESTS} tests more cost {growing}")
-    return 0 if growing == {"write": 2 * TESTS} else 1
+    print(f"{argument}: {TESTS} tests more cost {growing}")
+    return growing == {"write": 2 * TESTS}
 
 
 if __name__ == "__main__":

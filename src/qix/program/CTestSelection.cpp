@@ -2,11 +2,14 @@
 
 #include "guards/exitStatus.h"
 #include "program/printError.h"
+#include "runner/startUp.h"
 #include "selection/nearestIds.h"
 #include "selection/shards.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <sstream>
 
 namespace qix
 {
@@ -25,6 +28,20 @@ std::string joined(std::vector<std::string> const& words)
         text += (text.empty() ? "" : ", ") + word;
     }
     return text;
+}
+
+bool isFilterWord(std::string const& word)
+{
+    static char const* const words[] = {"+", "++", "+++", "i", "I"};
+    return std::find(std::begin(words), std::end(words), word) != std::end(words);
+}
+
+/// True for a line without any word but those that change the filters, which selects nothing.
+bool isFilterLine(char const* line)
+{
+    std::istringstream stream(toSelectionLine(line));
+    std::vector<std::string> const words{std::istream_iterator<std::string>(stream), {}};
+    return !words.empty() && std::all_of(words.begin(), words.end(), isFilterWord);
 }
 
 void reportPattern(CTestTree const& tree, std::string const& given, std::string const& pattern)
@@ -69,7 +86,7 @@ std::optional<int> CTestSelection::select(std::vector<char const*> const& lines)
     refuse();
     std::vector<NodeIndex> const tests = m_plan->listTests();
     m_digest = digestOf(m_tree, tests);
-    if (tests.empty() && (areNamed || !lines.empty()))
+    if (m_options.any && tests.empty() && (areNamed || !lines.empty()))
     {
         printError("nothing is left to run: all that was named is left out by selection lines, "
                    "by options, or for what it is (long, interactive); see --help");
@@ -82,14 +99,18 @@ std::optional<int> CTestSelection::select(std::vector<char const*> const& lines)
 
 bool CTestSelection::applyLines(std::vector<char const*> const& lines)
 {
-    if (lines.empty())
+    if (lines.empty() && !m_options.any)
+    {
+        m_runner.doMenu();
+    }
+    else if (m_options.any && std::all_of(lines.begin(), lines.end(), isFilterLine))
     {
         m_runner.selectAll();
     }
     bool accepted = true;
     for (char const* const line : lines)
     {
-        accepted = m_runner.handleSelectionInput(line == nullptr ? "" : line) && accepted;
+        accepted = m_runner.handleSelectionInput(toSelectionLine(line)) && accepted;
     }
     return accepted;
 }

@@ -21,7 +21,8 @@ public:
     CTestSelection(RunOptions const& options, RunHistory const& history, CPlannedRunner& runner);
 
     /// Selects, and prints what is wrong with the selection.
-    /// \param lines  the selection lines; without any everything is selected
+    /// \param lines  the selection lines; when no line selects, everything is selected, or what the
+    ///               menu is answered with when there are no options either
     /// \return the exit status when there is nothing to list or to run
     std::optional<int> select(std::vector<char const*> const& lines);
 

@@ -1,4 +1,3 @@
-#include <qix/CConsoleTestRunner.h>
 #include <qix/main.h>
 
 #include "guards/exitStatus.h"
@@ -60,12 +59,6 @@ int print(std::string const& text)
     return exitAllPassed;
 }
 
-int runWithoutOptions(std::vector<char const*>& lines)
-{
-    bool const passed = CConsoleTestRunner::doMain(static_cast<int>(lines.size()), lines.data());
-    return passed ? exitAllPassed : exitNotAllPassed;
-}
-
 int runSelection(Arguments& arguments, std::string const& program)
 {
     CExitGuard const guard;
@@ -74,7 +67,7 @@ int runSelection(Arguments& arguments, std::string const& program)
     try
     {
         return arguments.options.any ? runWithOptions(arguments, program)
-                                     : runWithoutOptions(arguments.lines);
+                                     : runWithoutOptions(arguments, program);
     }
     catch (CLogRefusedError const& e)
     {

@@ -11,11 +11,14 @@
 #include "program/printError.h"
 #include "runner/consoleColors.h"
 #include "runner/posix/workDirectory.h"
+#include "runner/startUp.h"
 #include "selection/testIds.h"
 #include "text/messageOf.h"
 
 #include <exception>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace qix
 {
@@ -63,32 +66,21 @@ int list(CTestSelection const& selection, RunOptions const& options, std::string
     return exitAllPassed;
 }
 
-int run(CTestSelection const& selection, Arguments const& arguments, CPlannedRunner& runner,
+int run(CTestSelection const& selection, RunOptions const& options, CPlannedRunner& runner,
         std::string const& historyFile, RunHistory const& history)
 {
-    consoleColors = hasColors(arguments.options.color) ? withColors : withoutColors;
-    CPlannedRun plannedRun(arguments.options, selection, runner);
+    bool const isColored = options.any && hasColors(options.color);
+    consoleColors = isColored ? withColors : withoutColors;
+    CPlannedRun plannedRun(options, selection, runner);
     plannedRun.record(historyFile, history);
     return plannedRun.run();
 }
 
-} // namespace
-
-int runWithOptions(Arguments const& arguments, std::string const& program)
+/// \param diverted  ends when the tests are listed
+int runInWorkDirectory(Arguments const& arguments, std::string const& program,
+                       std::string const& historyFile, std::optional<CDivertedOutput>& diverted)
 {
     RunOptions const& options = arguments.options;
-    bool const isListing = options.listing != RunOptions::Listing::None;
-    std::optional<CDivertedOutput> diverted;
-    if (isListing)
-    {
-        diverted.emplace();
-    }
-    if (!enterWorkDirectory())
-    {
-        return exitNotAllPassed;
-    }
-    std::string const name = withoutFolder(program);
-    std::string const historyFile = historyFileOf(name);
     RunHistory const history = readHistory(historyFile);
     auto const runner = zel::newObj<CPlannedRunner>(CTestItemGroup::global().get());
     CTestSelection selection(options, history, *runner);
@@ -97,8 +89,45 @@ int runWithOptions(Arguments const& arguments, std::string const& program)
         return *status;
     }
     diverted.reset();
-    return isListing ? list(selection, options, name)
-                     : run(selection, arguments, *runner, historyFile, history);
+    return options.listing != RunOptions::Listing::None
+               ? list(selection, options, program)
+               : run(selection, options, *runner, historyFile, history);
+}
+
+} // namespace
+
+int runWithOptions(Arguments const& arguments, std::string const& program)
+{
+    std::optional<CDivertedOutput> diverted;
+    if (arguments.options.listing != RunOptions::Listing::None)
+    {
+        diverted.emplace();
+    }
+    if (!enterWorkDirectory())
+    {
+        return exitNotAllPassed;
+    }
+    std::string const name = withoutFolder(program);
+    return runInWorkDirectory(arguments, name, historyFileOf(name), diverted);
+}
+
+int runWithoutOptions(Arguments const& arguments, std::string const& program)
+{
+    if (!enterWorkDirectory())
+    {
+        return exitNotAllPassed;
+    }
+    std::string const name = withoutFolder(program);
+    std::string const historyFile = historyFileOf(name);
+    std::error_code error;
+    if (std::filesystem::exists(historyFile, error))
+    {
+        std::optional<CDivertedOutput> nothingDiverted;
+        return runInWorkDirectory(arguments, name, historyFile, nothingDiverted);
+    }
+    std::vector<char const*> lines = arguments.lines;
+    bool const passed = selectAndRun(static_cast<int>(lines.size()), lines.data());
+    return passed ? exitAllPassed : exitNotAllPassed;
 }
 
 } // namespace qix

@@ -13,4 +13,8 @@ namespace qix
 /// \return the exit status
 int runWithOptions(Arguments const& arguments, std::string const& program);
 
+/// Does what CConsoleTestRunner::doMain() does. Where an earlier run with options has left its
+/// history, the run is recorded in it, so that it is the last run for the next one.
+int runWithoutOptions(Arguments const& arguments, std::string const& program);
+
 } // namespace qix

@@ -3,6 +3,7 @@
 #include <zel/P.h>
 
 #include "runner/posix/workDirectory.h"
+#include "runner/startUp.h"
 
 #include <stdexcept>
 #include <string>
@@ -13,8 +14,20 @@ namespace qix
 namespace
 {
 
+bool applyArguments(CConsoleTestRunner& runner, int argc, char const** argv)
+{
+    bool accepted = true;
+    for (int i = 0; i < argc; ++i)
+    {
+        accepted = runner.handleSelectionInput(toSelectionLine(argv[i])) && accepted;
+    }
+    return accepted;
+}
+
+} // namespace
+
 /// The text of the error is a promise; the standard library's own has changed over time.
-std::string toLine(char const* argument)
+std::string toSelectionLine(char const* argument)
 {
     if (argument == nullptr)
     {
@@ -23,24 +36,8 @@ std::string toLine(char const* argument)
     return argument;
 }
 
-bool applyArguments(CConsoleTestRunner& runner, int argc, char const** argv)
+bool selectAndRun(int argc, char const** argv)
 {
-    bool accepted = true;
-    for (int i = 0; i < argc; ++i)
-    {
-        accepted = runner.handleSelectionInput(toLine(argv[i])) && accepted;
-    }
-    return accepted;
-}
-
-} // namespace
-
-bool CConsoleTestRunner::doMain(int argc, char const** argv)
-{
-    if (!enterWorkDirectory())
-    {
-        return false;
-    }
     zel::P<CTestItemGroup> const root = CTestItemGroup::global();
     CConsoleTestRunner runner(root.get());
     if (argc <= 0)
@@ -52,6 +49,11 @@ bool CConsoleTestRunner::doMain(int argc, char const** argv)
         return false;
     }
     return runner.go();
+}
+
+bool CConsoleTestRunner::doMain(int argc, char const** argv)
+{
+    return enterWorkDirectory() && selectAndRun(argc, argv);
 }
 
 } // namespace qix
