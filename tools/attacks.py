@@ -1,5 +1,4 @@
-"""What tools/coverage and tools/mutants share: which tests they run, and how they are told of what
-no test can reach or notice."""
+"""Which tests tools/coverage runs, and how it is told of what no test can reach."""
 
 import pathlib
 import re
