@@ -17,7 +17,7 @@
 namespace qix
 {
 
-/// Runs test items and tells about it on standard output and in the log file testLog.txt.
+/// Runs test items and reports on standard output and in the log file testLog.txt.
 ///
 /// A runner offers the children of its root item for selection, numbered from 0, and runs those
 /// that are selected, depth-first. Everything happens on the thread that calls it.
@@ -40,7 +40,7 @@ public:
     /// \param argc  the number of selection lines; the program's name is not one of them
     /// \param argv  the selection lines
     /// \return true when the tests ran and none failed; false when the working directory could
-    ///         not be entered, an argument was refused, or a test failed
+    ///         not be entered, an argument was rejected, or a test failed
     /// Throws what the registered items throw outside their tests, std::out_of_range for a range
     /// such as 12ab-x, and std::logic_error for a null argument.
     static bool doMain(int argc, char const** argv);
@@ -94,11 +94,11 @@ public:
     static std::string pad(std::string s, int width);
 
     /// Shows the help text and the numbered items, and reads lines from standard input until one
-    /// is accepted. At the end of the input it goes on with empty lines, which are refused.
+    /// is accepted. At the end of the input it goes on with empty lines, which are rejected.
     void doMenu();
 
-    /// Applies one selection line. What a refused line selects stays selected; a range that is
-    /// refused toggles those of its items that exist.
+    /// Applies one selection line. What a rejected line selects stays selected; an invalid range
+    /// toggles those of its items that exist.
     /// \return true when the line was accepted
     /// Throws std::out_of_range for a range such as 12ab-x.
     bool handleSelectionInput(std::string const& line);
@@ -145,13 +145,13 @@ protected:
     std::vector<zel::P<ITestItem>> m_items; ///< what is offered for selection
     std::vector<bool> m_selected;           ///< one flag for each of m_items
     std::vector<RunningRecord> m_running;   ///< the outermost first
-    int m_maxDuration = ITestItem::Short;   ///< items above it are refused
-    bool m_runInteractive = false;          ///< otherwise interactive items are refused
-    bool m_onlyInteractive = false;         ///< items without any interactive one are refused
+    int m_maxDuration = ITestItem::Short;   ///< items above it are filtered out
+    bool m_runInteractive = false;          ///< otherwise interactive items are filtered out
+    bool m_onlyInteractive = false;         ///< items without any interactive one are filtered out
     int m_nOk = 0;                          ///< sub-tests that succeeded
     int m_nAborted = 0;                     ///< sub-tests that stopped without a verdict
     int m_nFailed = 0;                      ///< sub-tests that failed
-    int m_nSkipped = 0;                     ///< sub-tests that were refused or did not apply
+    int m_nSkipped = 0;                     ///< sub-tests that were filtered out or did not apply
     std::list<FailInfo> m_failures;         ///< in the order in which they happened
 };
 

@@ -10,9 +10,9 @@ namespace qix
 
 /// A folder for one test: empty when the object is made, and removed with it.
 ///
-/// What stood at its place before is wiped, and nothing guards the name: ".." is the parent of
-/// the current folder, and everything in that would go. Two objects of one name share the folder;
-/// the second empties it, and the first to be destroyed removes it.
+/// What exists at that path is removed first, and no name is protected: ".." is the parent of
+/// the current folder, and everything in it would be removed. Two objects of one name share the
+/// folder; the second empties it, and the first to be destroyed removes it.
 class QIX_EXPORT CTestFolder : public zel::CBase
 {
 public:
@@ -24,7 +24,7 @@ public:
     CTestFolder(CTestFolder const&) = delete;
     CTestFolder& operator=(CTestFolder const&) = delete;
 
-    /// Removes the folder with everything in it. Tells nobody when that fails.
+    /// Removes the folder with everything in it. Errors are ignored.
     ~CTestFolder() override;
 
     /// Where the folder is: absolute and normalized, whatever the current folder is by now.

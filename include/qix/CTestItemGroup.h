@@ -145,7 +145,7 @@ private:
         }
     }
 
-    /// At least doubles the room when it grows, since each factory may register the next one.
+    /// At least doubles the capacity when it grows, since each factory may register the next one.
     void makeRoomFor(std::size_t count)
     {
         std::size_t const needed = m_subItems.size() + count;
@@ -155,7 +155,7 @@ private:
         }
     }
 
-    /// Makes one item after the other, and gives the factories back from the one that throws on.
+    /// Makes one item after the other. If a factory throws, it and those behind it stay pending.
     void createItems(std::vector<zel::P<ITestItemFactory>>& pending)
     {
         std::size_t next = 0;

@@ -48,7 +48,7 @@ public:
     virtual bool isInteractive() const = 0;
 
     /// True when the item or any item below it is interactive. A leaf returns isInteractive():
-    /// otherwise it is refused when only interactive tests may run.
+    /// otherwise it is filtered out when only interactive tests may run.
     virtual bool containsAnyInteractive() const = 0;
 
     /// Does the work. Returns for success; throws CTestAbortedException for a test without a

@@ -23,7 +23,7 @@ namespace qix
 ///
 /// A run does not end with 0 before its time: when a test calls exit(), or when standard output
 /// cannot be written, a line on standard error says so.
-/// \return the exit status: 0 when no test failed; 1 when one failed, a selection was refused or
+/// \return the exit status: 0 when no test failed; 1 when one failed, a selection was rejected or
 ///         the working directory could not be entered; 2 when an option was wrong, nothing could be
 ///         run, or the log was refused, or the run was ended by an exception or by exit(), or all
 ///         passed but output was lost

@@ -13,8 +13,8 @@ namespace qix
 /// looked for in the current folder. References such as $HOME in the value are replaced by the
 /// environment variables that they name. A "/" in \p section leads into nested groups.
 ///
-/// What is wrong with the file is told in one line on standard error that quotes nothing of it;
-/// the messages of wxWidgets, which quote, are withheld on this thread meanwhile.
+/// When the file is not well-formed, one line on standard error says so and quotes nothing of it;
+/// the messages of wxWidgets, which quote, are suppressed on this thread meanwhile.
 /// Throws zel::CError when the variable is not set, when the file cannot be read or is too large
 /// for the memory, and when the entry is missing. Safe to call from several threads.
 QIX_EXPORT zel::String getTestSecret(zel::String const& section, zel::String const& key);

@@ -81,7 +81,7 @@
 /// subTest() as they stand.
 ///
 /// Two tests of one name in a group, and a name for a group that is empty or contains a "%", are
-/// refused: nothing is run, and the message tells where they are.
+/// invalid: nothing is run, and the message says where they are.
 #define QIX_TEST(group, name, ...)                                                                 \
     QIX_DETAIL_TEST(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), #group, #name,                \
                     QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))

@@ -10,7 +10,7 @@ namespace zel
 class ZEL_EXPORT CBadPathError : public CError
 {
 public:
-    /// \param path  the path as it was given; the message tells it
+    /// \param path  the path as it was given; the message shows it
     explicit CBadPathError(TPathImpl<CUnixPathTraits> const& path);
 
     P<CError> clone() const override;

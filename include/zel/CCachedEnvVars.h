@@ -28,7 +28,7 @@ public:
     /// The object of the process, made on first use.
     static P<CCachedEnvVars> get();
 
-    /// Tells whether the making of that object has begun. Guarded by the global mutex.
+    /// Records whether that object is being created or exists. Guarded by the global mutex.
     static CSafeGlobalGuard& globalInstanceGuard();
 
     /// The value of the variable \p name, decoded from the locale's encoding, or \p defaultValue

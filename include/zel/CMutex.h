@@ -17,8 +17,8 @@ public:
     CMutex& operator=(CMutex const&) = delete;
     ~CMutex() override;
 
-    /// Waits until no other thread holds the mutex. Throws std::system_error when the system
-    /// refuses the lock.
+    /// Waits until no other thread holds the mutex. Throws std::system_error when the
+    /// system cannot lock it.
     void lock();
 
     /// Undoes one lock() of this thread, which must hold the mutex.

@@ -5,7 +5,7 @@
 namespace zel
 {
 
-/// Tells whether the construction of one safe global has been started. It outlives the global,
+/// Records whether the construction of one safe global has been started. It outlives the global,
 /// so that a construction that failed can be tried again. Guarded by the global mutex.
 class ZEL_EXPORT CSafeGlobalGuard
 {

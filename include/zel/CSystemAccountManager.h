@@ -21,7 +21,7 @@ public:
     /// The object of the process, made on first use.
     static P<CSystemAccountManager> get();
 
-    /// Tells whether the making of that object has begun. Guarded by the global mutex.
+    /// Records whether that object is being created or exists. Guarded by the global mutex.
     static CSafeGlobalGuard& globalInstanceGuard();
 
     /// The name of the effective user in the account database.

@@ -30,16 +30,16 @@ public:
     ///                    they are when the path is normalized; 0 without a root
     static int getRootLength(String const& text, int* keepLength) noexcept;
 
-    /// Makes what getSep() gives.
+    /// Creates the value of getSep().
     static P<String> _createSepString();
 
-    /// Makes what getAllSeps() gives.
+    /// Creates the value of getAllSeps().
     static P<String> _createAllSepsString();
 
-    /// Tells whether the making of what getSep() gives has begun.
+    /// Records whether the value of getSep() is being created or exists.
     static CSafeGlobalGuard& _sepGuard();
 
-    /// Tells whether the making of what getAllSeps() gives has begun.
+    /// Records whether the value of getAllSeps() is being created or exists.
     static CSafeGlobalGuard& _allSepsGuard();
 };
 

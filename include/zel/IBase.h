@@ -25,7 +25,7 @@ public:
     /// Gives one reference back; the last one destroys the object. Safe to call from any thread.
     virtual void release() const = 0;
 
-    /// Tells whether a caller may view this object as \p type.
+    /// True when a caller may use this object as \p type.
     virtual bool checkCastAllowed(std::type_info const& type) const = 0;
 
 protected:

@@ -15,7 +15,7 @@
 namespace zel
 {
 
-/// A process-wide object that is made on first use, whoever comes first, and released at exit.
+/// A process-wide object that is made on first use, by any thread, and released at exit.
 ///
 /// It is meant to be a local static of an accessor, whose initialisation the language guards:
 ///
@@ -36,8 +36,8 @@ public:
     /// Makes the object.
     using CreateFunction = P<T> (*)();
 
-    /// Makes the object under the global mutex, unless the guard tells that another instance for
-    /// the same global has begun to: then it leaves the state as the storage had it.
+    /// Makes the object under the global mutex, unless the guard says that another instance for
+    /// the same global has started to: then it leaves the state as the storage had it.
     /// Throws what \p create throws.
 #if defined(__GNUC__) && !defined(__clang__)
     // g++ holds that an object's storage is undefined before its constructor runs, and drops

@@ -19,8 +19,8 @@ P<CCachedEnvVars> createInstance()
     return newObj<CCachedEnvVars>();
 }
 
-/// The name as the environment has it; nothing when no variable can have that name. Without this
-/// look another variable would be taken.
+/// The name in the encoding of the environment; nothing when no variable can have that name.
+/// Without this check the value of another variable would be returned.
 std::optional<std::string> encodeName(String const& name)
 {
     auto bytes = encodeLocaleText(name);

@@ -19,7 +19,7 @@ namespace
 {
 
 constexpr char const openOperation[] = "open the file";
-constexpr char const lengthOperation[] = "tell the length of the file";
+constexpr char const lengthOperation[] = "determine the length of the file";
 constexpr char const readOperation[] = "read the file";
 
 int openFile(TPathImpl<CUnixPathTraits> const& path, int flags)
@@ -58,7 +58,7 @@ std::int64_t CPosixFileStream::getLength() const
     {
         throwFileError(lengthOperation, m_path.getText(), errno);
     }
-    // The length of a pipe is told as 0, whatever is in it. Unlike a device it cannot be sought in.
+    // A pipe reports the length 0, whatever is in it. Unlike a device it does not support seeking.
     if (!S_ISREG(status.st_mode) && lseek(m_descriptor, 0, SEEK_CUR) < 0)
     {
         throwFileError(lengthOperation, m_path.getText(), errno);

@@ -54,7 +54,7 @@ std::optional<std::string> encode(std::wstring const& text, wxMBConv const& conv
     {
         return std::nullopt;
     }
-    // The C library skips some characters without a byte, but wants room for one before it does.
+    // The C library skips some characters without output, but requires room for a byte first.
     constexpr std::size_t roomForOne = 16;
     std::string bytes(length + roomForOne, '\0');
     std::size_t const written =

@@ -21,7 +21,7 @@ std::int32_t lengthOf(String const& text)
     return static_cast<std::int32_t>(text.length());
 }
 
-/// Looks at the character itself, so that this needs no separator string.
+/// Compares the character itself, without the separators, which are safe globals.
 bool endsWithSeparator(String const& text)
 {
     return !text.empty() && *text.rbegin() == separator;
@@ -43,7 +43,7 @@ String joinTexts(String const& left, String const& right)
     return text;
 }
 
-/// Takes one component onto the stack.
+/// Pushes one component onto the stack.
 /// \return false when it climbs above the root
 bool pushComponent(TList<String>& components, String const& component, bool hasRoot)
 {
@@ -68,7 +68,7 @@ bool pushComponent(TList<String>& components, String const& component, bool hasR
     return !hasRoot;
 }
 
-/// Takes the components of \p text from \p start on onto the stack.
+/// Pushes the components of \p text from \p start on onto the stack.
 /// \return false when they climb above the root
 bool pushComponents(TList<String>& components, String const& text, std::int32_t start, bool hasRoot)
 {

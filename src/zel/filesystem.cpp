@@ -19,7 +19,7 @@ namespace
 {
 
 constexpr char const ensureOperation[] = "create the folder";
-constexpr char const currentOperation[] = "tell the current folder";
+constexpr char const currentOperation[] = "determine the current folder";
 
 bool isFolder(std::string const& path)
 {
@@ -34,7 +34,7 @@ void ensureOneFolder(String const& wholePath, std::string const& path, mode_t mo
         return;
     }
     int const error = errno;
-    // Somebody else may have made it since the first look.
+    // Another process may have made it since the check.
     if (isFolder(path))
     {
         return;

@@ -27,7 +27,7 @@ std::string toSystemPath(char const* operation, TPathImpl<CUnixPathTraits> const
     }
     if (bytes->find('\0') != std::string::npos)
     {
-        throwFileError(operation, text.BeforeFirst(L'\0'), "a NUL character follows in it");
+        throwFileError(operation, text.BeforeFirst(L'\0'), "the path contains a NUL character");
     }
     return *std::move(bytes);
 }

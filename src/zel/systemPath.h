@@ -8,16 +8,16 @@
 namespace zel
 {
 
-/// Throws a CError that names what could not be done, to which path, and why.
-/// \param operation  what could not be done, as in "open the file"
+/// Throws a CError that names the failed operation, the path and the reason.
+/// \param operation  what failed, as in "open the file"
 /// \param reason     without a full stop
 [[noreturn]] void throwFileError(char const* operation, String const& path, String const& reason);
 
-/// The same with the system's words for the errno value \p error.
+/// The same with the system's message for the errno value \p error.
 [[noreturn]] void throwFileError(char const* operation, String const& path, int error);
 
-/// The path as the system takes it. Throws a CError when the locale's encoding lacks one of its
-/// characters or when it holds a NUL: the system would take another path then.
+/// The path in the system's encoding. Throws a CError when the locale's encoding lacks one of its
+/// characters or when it contains a NUL: the system would use another path then.
 std::string toSystemPath(char const* operation, TPathImpl<CUnixPathTraits> const& path);
 
 /// The system's path without separators at its end; the root keeps its own.

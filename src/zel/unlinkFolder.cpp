@@ -97,7 +97,7 @@ void unlinkFolder(TPathImpl<CUnixPathTraits> const& path)
     std::string const bytes = withoutTrailingSeparators(toSystemPath(operation, path));
     if (isDots(fs::path(bytes).filename()))
     {
-        throwFileError(operation, text, "it is named by '.' or '..'");
+        throwFileError(operation, text, "the path ends in '.' or '..'");
     }
     std::error_code error;
     fs::file_type const type = fs::symlink_status(bytes, error).type();

@@ -123,7 +123,7 @@ TEST_F(CPosixFileInStreamTest, aPipeHasNoLength)
     int const writer = open("pipe", O_RDWR);
     CPosixFileInStream const pipe("pipe");
     EXPECT_EQ(errorOf([&] { static_cast<void>(pipe.getLength()); }),
-              "Unable to tell the length of the file 'pipe': Illegal seek.");
+              "Unable to determine the length of the file 'pipe': Illegal seek.");
     close(writer);
 }
 

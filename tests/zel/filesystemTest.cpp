@@ -157,7 +157,7 @@ TEST_F(filesystem, aFolderIsNotRemovedThroughDots)
     {
         EXPECT_EQ(errorOf([path] { unlinkFolder(path); }), "Unable to remove the folder '" +
                                                                std::string(path) +
-                                                               "': it is named by '.' or '..'.")
+                                                               "': the path ends in '.' or '..'.")
             << path;
     }
     EXPECT_TRUE(isThere("data/inner"));
@@ -334,9 +334,9 @@ TEST_F(filesystem, aPathWithANulIsRefused)
 {
     String const path(std::string("data\0more", 9));
     fs::create_directory("data");
-    EXPECT_THAT(errorOf([&] { unlinkFolder(path); }), HasSubstr("a NUL character follows in it."));
+    EXPECT_THAT(errorOf([&] { unlinkFolder(path); }), HasSubstr("contains a NUL character."));
     EXPECT_THAT(errorOf([&] { ensureFolderExists(path, 0777); }),
-                HasSubstr("a NUL character follows in it."));
+                HasSubstr("contains a NUL character."));
     EXPECT_TRUE(isThere("data"));
 }
 
@@ -347,7 +347,7 @@ TEST_F(filesystem, tellsTheCurrentFolder)
     fs::current_path("gone");
     fs::remove(m_folder.getPath() / "gone");
     EXPECT_EQ(errorOf([] { zel::getCurrentWorkDirectoryAsString(); }),
-              "Unable to tell the current folder '.': No such file or directory.");
+              "Unable to determine the current folder '.': No such file or directory.");
     fs::current_path(m_folder.getPath());
 }
 

@@ -227,7 +227,7 @@ TEST_F(interference, aFileThatTellsNothingOfItselfIsAnError)
     zel::CPosixFileInStream const file("data/file");
     CBeforeCall const failing("fstat", 1, EIO);
     EXPECT_EQ(errorOf([&file] { static_cast<void>(file.getLength()); }),
-              "Unable to tell the length of the file 'data/file': Input/output error.");
+              "Unable to determine the length of the file 'data/file': Input/output error.");
 }
 
 } // namespace

@@ -9,7 +9,7 @@
 namespace qix::detail
 {
 
-/// Refers to something that is called without arguments. It does not own it.
+/// A function reference: calls something without arguments that it does not own.
 class CFunctionRef
 {
 public:

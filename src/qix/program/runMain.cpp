@@ -24,7 +24,7 @@ namespace qix
 namespace
 {
 
-void printHowToSelect(std::string const& program)
+void printUsage(std::string const& program)
 {
     std::printf("No tests were selected, and standard input has ended, so the menu is not shown.\n"
                 "Select tests by arguments, each of which is one selection line:\n"
@@ -97,7 +97,7 @@ int runArguments(Arguments& arguments, std::string const& program)
     }
     if (!options.any && arguments.lines.empty() && hasStandardInputEnded())
     {
-        printHowToSelect(program);
+        printUsage(program);
         return exitNoVerdict;
     }
     return runSelection(arguments, program);
@@ -118,8 +118,8 @@ int parseAndRun(int argc, char** argv)
     return runArguments(arguments, programName(argc, argv));
 }
 
-/// A run that nobody could read has not passed.
-int withOutputChecked(int status)
+/// A run whose output was lost has not passed.
+int statusWithOutputChecked(int status)
 {
     bool const complete = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (complete)
@@ -135,8 +135,8 @@ int withOutputChecked(int status)
 int runMain(int argc, char** argv)
 {
     std::setlocale(LC_CTYPE, "");
-    occupyClosedStandardDescriptors();
-    return withOutputChecked(parseAndRun(argc, argv));
+    reserveClosedStandardDescriptors();
+    return statusWithOutputChecked(parseAndRun(argc, argv));
 }
 
 } // namespace qix

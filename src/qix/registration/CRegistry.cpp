@@ -79,7 +79,7 @@ void CRegistry::throwInvalidNames()
     std::string const invalidNames = listAllInvalidNames();
     if (!invalidNames.empty())
     {
-        throw zel::CError(decodedText("tests are refused: " + invalidNames));
+        throw zel::CError(decodedText("invalid test names: " + invalidNames));
     }
     m_validCount = m_testCount;
 }

@@ -20,7 +20,7 @@ namespace
 
 using Child = CRegisteredGroup::Child;
 
-// The header of a group is printed with its name as part of a format.
+// The name of a group is part of the format with which its header is printed.
 bool hasFormat(std::string const& path)
 {
     return path.find('%') != std::string::npos;
@@ -31,26 +31,26 @@ bool hasEmptyComponent(std::string const& path)
     return ("." + path + ".").find("..") != std::string::npos;
 }
 
-/// What is compared of a child of a group.
-struct Named
+/// A child of a group as far as its name goes.
+struct NamedChild
 {
     std::string_view name;
     SourceLocation location;
     bool isGroup;
 };
 
-Named named(RegisteredTest const& test)
+NamedChild named(RegisteredTest const& test)
 {
     return {test.name, test.getLocation(), false};
 }
 
-Named named(zel::P<CRegisteredGroup> const& group)
+NamedChild named(zel::P<CRegisteredGroup> const& group)
 {
     std::string_view const path = group->getPath();
     return {path.substr(path.rfind('.') + 1), group->getLocation(), true};
 }
 
-Named named(Child const& child)
+NamedChild named(Child const& child)
 {
     return std::visit([](auto const& kind) { return named(kind); }, child);
 }
@@ -71,7 +71,8 @@ void listGroupName(CRegisteredGroup const& group, SourceLocation const& location
     }
 }
 
-std::string describeDuplicates(std::string const& path, Named const& first, Named const& second)
+std::string describeDuplicates(std::string const& path, NamedChild const& first,
+                               NamedChild const& second)
 {
     std::string const places[] = {" at " + formatLocation(first.location),
                                   formatLocation(second.location)};
@@ -86,10 +87,10 @@ std::string describeDuplicates(std::string const& path, Named const& first, Name
 
 void listDuplicates(CRegisteredGroup const& group, std::vector<std::string>& invalidNames)
 {
-    std::map<std::string_view, Named> children;
+    std::map<std::string_view, NamedChild> children;
     for (Child const& child : group.getRegistered())
     {
-        Named const second = named(child);
+        NamedChild const second = named(child);
         auto const [first, isNew] = children.emplace(second.name, second);
         if (!isNew)
         {

@@ -38,8 +38,8 @@ bool isDigit(char character) noexcept
     return character >= '0' && character <= '9';
 }
 
-/// The longest beginning of a token that is a number or a range: empty, or digits and dashes
-/// behind a digit.
+/// The longest prefix of a token that is a number or a range: empty, or a digit followed by digits
+/// and dashes.
 std::string leadingNumbers(std::string const& token)
 {
     if (!isDigit(token[0]))
@@ -51,7 +51,7 @@ std::string leadingNumbers(std::string const& token)
     return std::string(token.begin(), end);
 }
 
-/// The number that a text begins with. Beyond 32 bits it wraps around.
+/// The number at the beginning of a text. It wraps around beyond 32 bits.
 int toNumber(std::string const& text)
 {
     return static_cast<int>(std::strtol(text.c_str(), nullptr, 10));
@@ -181,7 +181,7 @@ bool CSelectionLine::applyToken(std::string const& token)
     return numbersAccepted && wordAccepted;
 }
 
-/// A line with a plain search word lists tests and is refused, so that nothing is run by it.
+/// A line with a plain search word lists tests and is rejected, so that it starts no run.
 bool CSelectionLine::applySearchWord(std::string const& word)
 {
     if (hasSign(word))
@@ -229,7 +229,7 @@ bool CSelectionLine::applyRange(std::string const& numbers, std::size_t separato
     return valid;
 }
 
-/// Toggles what of the range is inside the list.
+/// Toggles the part of the range that is inside the list.
 void CSelectionLine::toggleRange(int first, int last)
 {
     int const end = std::min(last, static_cast<int>(m_selected.size()) - 1);

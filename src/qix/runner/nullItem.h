@@ -3,7 +3,7 @@
 namespace qix
 {
 
-/// What stands for the name of an item that a factory failed to return.
+/// Shown instead of a name when a factory has returned no item.
 constexpr char const* nullItemName = "(null)";
 
 } // namespace qix

@@ -28,7 +28,7 @@ CTestFolder::~CTestFolder()
     }
     catch (std::exception const&)
     {
-        // A test's verdict does not depend on whether its folder could be removed.
+        // The outcome of a test does not depend on whether its folder could be removed.
     }
 }
 

@@ -39,8 +39,8 @@ wxAssertHandler_t assertHandler() noexcept
 #endif
 }
 
-/// Notes what one thread logs and asserts, and passes on what others do.
-class CWithholder : public wxLog
+/// Captures the messages and assertions of one thread and forwards those of others.
+class CCapturingLog : public wxLog
 {
 public:
     void begin()
@@ -50,17 +50,17 @@ public:
         m_thread = wxThread::GetCurrentId();
         m_oldTarget = m_isMain ? SetActiveTarget(this) : SetThreadActiveTarget(this);
         m_oldHandler = assertHandler();
-        // Where assertions are disabled they stay so: wxWidgets looks twice whether there is a
-        // handler, and another thread may be between the two looks when this one goes again.
+        // Where assertions are disabled they stay so: wxWidgets reads the handler twice, and
+        // another thread may be between the two reads when this one is removed.
         if (m_oldHandler != nullptr)
         {
-            wxSetAssertHandler(&CWithholder::onAssert);
+            wxSetAssertHandler(&CCapturingLog::onAssert);
         }
     }
 
     void end()
     {
-        if (assertHandler() == &CWithholder::onAssert)
+        if (assertHandler() == &CCapturingLog::onAssert)
         {
             wxSetAssertHandler(m_oldHandler);
         }
@@ -80,7 +80,7 @@ protected:
     void DoLogRecord(wxLogLevel level, wxString const& message,
                      wxLogRecordInfo const& info) override
     {
-        if (isOfThisCall())
+        if (isCapturedThread())
         {
             note(message);
             return;
@@ -97,7 +97,7 @@ private:
     static void onAssert(wxString const& file, int line, wxString const& function,
                          wxString const& condition, wxString const& message);
 
-    bool isOfThisCall() const { return m_thread == wxThread::GetCurrentId(); }
+    bool isCapturedThread() const { return m_thread == wxThread::GetCurrentId(); }
 
     void note(wxString const& message)
     {
@@ -117,18 +117,18 @@ private:
 };
 
 /// Never destroyed: another thread may be logging through it when a call ends.
-CWithholder& withholder()
+CCapturingLog& capturingLog()
 {
-    alignas(CWithholder) static unsigned char storage[sizeof(CWithholder)];
-    static CWithholder* const instance = new (storage) CWithholder();
+    alignas(CCapturingLog) static unsigned char storage[sizeof(CCapturingLog)];
+    static CCapturingLog* const instance = new (storage) CCapturingLog();
     return *instance;
 }
 
-void CWithholder::onAssert(wxString const& file, int line, wxString const& function,
-                           wxString const& condition, wxString const& message)
+void CCapturingLog::onAssert(wxString const& file, int line, wxString const& function,
+                             wxString const& condition, wxString const& message)
 {
-    CWithholder& self = withholder();
-    if (self.isOfThisCall())
+    CCapturingLog& self = capturingLog();
+    if (self.isCapturedThread())
     {
         self.note(message);
         return;
@@ -139,24 +139,24 @@ void CWithholder::onAssert(wxString const& file, int line, wxString const& funct
     }
 }
 
-std::mutex withholderMutex;
-CForkLock const withholderLockedWhileForking(withholderMutex);
+std::mutex capturingMutex;
+CForkLock const lockedWhileForking(capturingMutex);
 
 } // namespace
 
-CWxLogCapture::CWxLogCapture() : m_lock(withholderMutex)
+CWxLogCapture::CWxLogCapture() : m_lock(capturingMutex)
 {
-    withholder().begin();
+    capturingLog().begin();
 }
 
 CWxLogCapture::~CWxLogCapture()
 {
-    withholder().end();
+    capturingLog().end();
 }
 
 std::optional<std::string> CWxLogCapture::getDiagnostic() const
 {
-    std::string const& diagnostic = withholder().getDiagnostic();
+    std::string const& diagnostic = capturingLog().getDiagnostic();
     return diagnostic.empty() ? std::nullopt : std::optional<std::string>(diagnostic);
 }
 

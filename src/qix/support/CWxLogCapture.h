@@ -7,12 +7,12 @@
 namespace qix
 {
 
-/// Keeps back what wxWidgets logs and asserts on this thread while it lives, since it quotes the
-/// text that it complains about. What it complains about is noted in words of ours.
+/// Captures what wxWidgets logs and asserts on this thread, since its messages quote the file that
+/// they are about. Only whether there was a message, and its line number, is kept.
 ///
 /// The log target and the assertion handler belong to the process, so that one thread at a time
-/// has one of these and others wait. Messages of other threads go where they went before. Where
-/// assertions are disabled they stay so, and what would be asserted is not noted.
+/// captures and others wait. Messages of other threads go to the target that was set before. Where
+/// assertions are disabled they stay so and are not captured.
 class CWxLogCapture
 {
 public:

@@ -37,7 +37,7 @@ zel::CPath readSecretsPath()
     return path;
 }
 
-/// Reads as many bytes as the file's length tells in 32 bits, signed.
+/// Reads as many bytes as the low 32 bits of the file's length say, signed.
 void readFile(zel::CPosixFileInStream& file, Buffer& bytes)
 {
     auto const length = static_cast<std::int32_t>(file.getLength());
@@ -48,11 +48,11 @@ void readFile(zel::CPosixFileInStream& file, Buffer& bytes)
     bytes.alloc(length);
     bytes.setUsed(length);
     int const read = file.read(bytes.getData(), length);
-    // A file that has shrunk meanwhile must not bring in what the memory held before.
+    // If the file has shrunk meanwhile, the rest must not be what the memory contained before.
     std::memset(bytes.getData() + read, 0, static_cast<std::size_t>(length - read));
 }
 
-/// The text ends at its first NUL anyway; a sparse file would cost much memory.
+/// The text ends at its first NUL anyway; parsing the NULs of a sparse file takes much memory.
 void dropNulsAtEnd(Buffer& bytes)
 {
     int used = bytes.getUsed();
@@ -63,9 +63,9 @@ void dropNulsAtEnd(Buffer& bytes)
     bytes.setUsed(used);
 }
 
-/// wxFileConfig puts one NUL byte behind the text, and refuses a text that does not consist of
-/// whole characters then.
-void fillUpToWholeCharacters(Buffer& bytes)
+/// wxFileConfig appends one NUL byte, and cannot read a text that does not consist of whole
+/// characters then.
+void padToWholeCharacters(Buffer& bytes)
 {
     constexpr int characterSize = 4;
     int const oldUsed = bytes.getUsed();
@@ -81,7 +81,7 @@ void readText(zel::CPath const& path, zel::CPosixFileInStream& file, Buffer& byt
     {
         readFile(file, bytes);
         dropNulsAtEnd(bytes);
-        fillUpToWholeCharacters(bytes);
+        padToWholeCharacters(bytes);
     }
     catch (std::bad_alloc const&)
     {
@@ -105,16 +105,16 @@ void printDiagnostic(zel::CPath const& path, std::string const& diagnostic)
     std::fputs(line.c_str(), stderr);
 }
 
-/// Looks up a value, and tells in words of ours what is wrong with the file.
-std::optional<zel::String> lookUpQuietly(zel::CPath const& path, Buffer const& bytes,
-                                         zel::String const& lookupPath)
+/// Looks up a value and prints a warning when the file is not well-formed.
+std::optional<zel::String> lookUpCaptured(zel::CPath const& path, Buffer const& bytes,
+                                          zel::String const& lookupPath)
 {
     std::optional<zel::String> value;
     std::optional<std::string> diagnostic;
     {
-        CWxLogCapture const withheld;
+        CWxLogCapture const capture;
         value = lookUp(bytes, lookupPath);
-        diagnostic = withheld.getDiagnostic();
+        diagnostic = capture.getDiagnostic();
     }
     if (diagnostic)
     {
@@ -132,7 +132,7 @@ zel::String getTestSecret(zel::String const& section, zel::String const& key)
     Buffer bytes;
     readText(path, file, bytes);
     zel::String const lookupPath = "/" + section + "/" + key;
-    std::optional<zel::String> const value = lookUpQuietly(path, bytes, lookupPath);
+    std::optional<zel::String> const value = lookUpCaptured(path, bytes, lookupPath);
     if (!value)
     {
         throw zel::CError("Unable to find value '" + lookupPath + "' in test secrets file.");

@@ -10,7 +10,7 @@ namespace qix
 zel::String decodedText(std::string_view bytes)
 {
     wxString const text(bytes.data(), wxMBConvUTF8(), bytes.size());
-    // wxWidgets gives an empty text for bytes that the encoding does not know.
+    // wxWidgets returns an empty text for bytes that are not valid in the encoding.
     if (text.empty() && !bytes.empty())
     {
         return zel::String(std::string(bytes));

@@ -7,8 +7,8 @@
 namespace qix
 {
 
-/// Bytes that a test's author wrote as text: UTF-8 if that is what they are, which a source file
-/// mostly is, and ISO-8859-1 otherwise, so that nothing is lost.
+/// Decodes text from test sources: as UTF-8 if it is valid, otherwise as ISO-8859-1, so that no
+/// byte is lost.
 zel::String decodedText(std::string_view bytes);
 
 } // namespace qix

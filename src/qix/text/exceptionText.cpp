@@ -25,7 +25,7 @@ std::string exceptionText(std::exception const& exception)
 
 std::string currentExceptionText()
 {
-    // One of another language has no type here, and throwing it again would end the process.
+    // An exception of another language has no type, and rethrowing it would end the process.
     if (std::current_exception() == nullptr)
     {
         return "an exception of another language";

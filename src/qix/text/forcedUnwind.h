@@ -2,7 +2,6 @@
 
 #include <cxxabi.h>
 
-/// For a function that catches abi::__forced_unwind, by which a thread is cancelled, to throw it
-/// on. There is no object of that type, and a reference to nothing is what sanitizers complain
-/// about.
+/// For functions that catch and rethrow abi::__forced_unwind, by which a thread is cancelled. No
+/// object of that type exists, so the sanitizer reports the reference to it as null.
 #define QIX_CATCHES_FORCED_UNWIND __attribute__((no_sanitize("null")))

@@ -7,7 +7,7 @@
 namespace qix
 {
 
-/// The location as compilers write it, which editors and terminals can follow.
+/// The location in the format of compilers, "file:line", which editors recognise.
 std::string formatLocation(SourceLocation const& location);
 
 } // namespace qix

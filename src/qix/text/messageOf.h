@@ -5,7 +5,7 @@
 namespace qix
 {
 
-/// The message of an exception. Some classes return null when they have none.
+/// The message of an exception; what() of some classes returns null.
 inline char const* messageOf(std::exception const& e) noexcept
 {
     char const* const message = e.what();

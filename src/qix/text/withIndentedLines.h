@@ -5,8 +5,7 @@
 namespace qix
 {
 
-/// The text with all lines behind the first one indented, so that they belong to it visibly;
-/// line ends behind the last one are dropped.
+/// The text with all lines after the first one indented; trailing line ends are dropped.
 std::string withIndentedLines(std::string const& text);
 
 } // namespace qix

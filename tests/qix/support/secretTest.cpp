@@ -157,7 +157,8 @@ TEST_F(secretTest, fileThatCannotBeReadIsTheErrorOfItsOpening)
     fs::remove("secrets");
     mkfifo("secrets", 0666);
     int const other = open("secrets", O_RDWR);
-    EXPECT_EQ(lookUp().error, "Unable to tell the length of the file 'secrets': Illegal seek.");
+    EXPECT_EQ(lookUp().error,
+              "Unable to determine the length of the file 'secrets': Illegal seek.");
     close(other);
 }
 

@@ -5,9 +5,9 @@
 namespace qix
 {
 
-/// Lets the process end with an error, and with a word about it, when exit() is called while this
-/// lives: a run that a test has cut short must not look like one that has passed. Processes that
-/// are forked meanwhile may exit as they like. One may live inside another, as runs do.
+/// If a test calls exit(), reports it and ends the process with exitNoVerdict: an interrupted run
+/// must not look like a passed one. Forked processes may call exit(). Guards may be nested, as runs
+/// are.
 class CExitGuard
 {
 public:

@@ -3,9 +3,8 @@
 namespace qix
 {
 
-/// Ends a process that was forked while this lived, when it comes to the end of this object's life
-/// too: it would report the test, and run all that follow, once more. Only the process that made
-/// the object gets beyond it.
+/// If a test forks and the child returns from the test, ends the child, so that it does not report
+/// the test and run the remaining tests again.
 class CForkGuard
 {
 public:

@@ -18,15 +18,15 @@ bool isOpen(int descriptor) noexcept
 
 } // namespace
 
-void occupyClosedStandardDescriptors() noexcept
+void reserveClosedStandardDescriptors() noexcept
 {
     // In ascending order, since a file that is opened gets the lowest number that is free.
     for (int const descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     {
         if (!isOpen(descriptor))
         {
-            int const uselessMode = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
-            static_cast<void>(open("/dev/null", uselessMode));
+            int const failingMode = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+            static_cast<void>(open("/dev/null", failingMode));
         }
     }
 }

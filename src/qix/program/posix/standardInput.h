@@ -3,9 +3,8 @@
 namespace qix
 {
 
-/// Tells, without waiting and without reading, whether standard input can give no more bytes:
-/// whether it is closed, not readable, /dev/null, a file read to its end, or the end of a pipe
-/// or connection that nobody writes to any more.
+/// True when standard input has no more bytes: when it is closed, not readable, /dev/null, a file
+/// at its end, or a pipe or connection without a writer. Does not wait and reads nothing.
 bool hasStandardInputEnded();
 
 } // namespace qix

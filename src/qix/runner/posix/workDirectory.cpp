@@ -25,7 +25,7 @@ namespace
 char const workDirectoryVariable[] = "QIX_TESTWORKDIR";
 
 /// The base folder as text, or nothing when the locale cannot decode the variable: a path that
-/// does not give the variable's own bytes again would lead to some other folder.
+/// does not encode to the variable's own bytes would name another folder.
 std::optional<zel::String> readBaseFolder()
 {
     wxString folder;
@@ -55,7 +55,7 @@ zel::String readUserName()
     return name.empty() ? zel::String("_") : name;
 }
 
-/// What fails here shows when the folder is entered.
+/// Errors are ignored here: entering the folder reports them.
 void ensureFolder(zel::String const& folder)
 {
     constexpr mode_t everythingAllowed = 0777;
@@ -70,7 +70,7 @@ void printCannotEnter(std::string const& folder)
     std::puts(("Error: could not change working directory to '" + folder + "'").c_str());
 }
 
-/// A folder that the locale cannot write leaves an empty line.
+/// Prints an empty line for a folder that the locale cannot encode.
 void printCannotEnter(zel::String const& folder)
 {
     wxCharBuffer const bytes = folder.mb_str(wxConvLocal);
@@ -97,7 +97,7 @@ bool enterWorkDirectory()
     ensureFolder(*baseFolder);
     zel::String const folder = *baseFolder + "/" + readUserName();
     ensureFolder(folder);
-    wxLogNull const printNothingOfItsOwn;
+    wxLogNull const suppressLog;
     if (!wxSetWorkingDirectory(folder))
     {
         printCannotEnter(folder);
