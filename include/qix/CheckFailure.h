@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zel/language.h>
+
 #include <string>
 
 namespace qix

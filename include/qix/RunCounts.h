@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zel/language.h>
+
 namespace qix
 {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zel/language.h>
+
 #include <cstddef>
 #include <type_traits>
 #include <utility>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zel/language.h>
+
 // A variadic macro whose last argument is left out is standard from C++20 on only; both compilers
 // have always taken it, and tell so under -Wpedantic unless the macro comes from the system.
 #pragma GCC system_header
