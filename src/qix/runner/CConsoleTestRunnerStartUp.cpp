@@ -26,7 +26,8 @@ bool applyArguments(CConsoleTestRunner& runner, int argc, char const** argv)
 
 } // namespace
 
-/// The text of the error is a promise; the standard library's own has changed over time.
+/// The text of the error is part of the interface; the standard library's own has changed over
+/// time.
 std::string toSelectionLine(char const* argument)
 {
     if (argument == nullptr)
