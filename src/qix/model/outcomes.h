@@ -18,28 +18,30 @@ using CReportedException = TScopedThreadValue<std::exception>;
 /// Where the sub-test is written that is being reported to the runner.
 using CReportedLocation = TScopedThreadValue<SourceLocation>;
 
-/// Calls \p call, and then \p end with how it ended and what it threw, which is null for Ok. What
-/// \p end throws for Ok counts as thrown by the call. What is no std::exception is not caught.
-template <typename Call, typename End>
-void callAndEnd(Call const& call, End const& end)
+/// Calls \p call and, when it throws, \p whenThrown with what that makes of it and the exception,
+/// which is being handled then. What is no std::exception is not caught.
+/// \return  whether the call returned
+template <typename Call, typename WhenThrown>
+bool catchOutcome(Call const& call, WhenThrown const& whenThrown)
 {
     try
     {
         call();
-        end(TestOutcome::Ok, nullptr);
+        return true;
     }
     catch (CTestAbortedException const& e)
     {
-        end(TestOutcome::Aborted, &e);
+        whenThrown(TestOutcome::Aborted, e);
     }
     catch (CTestSkippedException const& e)
     {
-        end(TestOutcome::Skipped, &e);
+        whenThrown(TestOutcome::Skipped, e);
     }
     catch (std::exception const& e)
     {
-        end(TestOutcome::Failed, &e);
+        whenThrown(TestOutcome::Failed, e);
     }
+    return false;
 }
 
 /// What the exception tells of an outcome.

@@ -67,7 +67,9 @@ private:
 
 zel::P<ITestItem> CTestMaker::make(RegisteredFunction const& test)
 {
-    return locate(zel::newObj<CFunctionTest>(test), test);
+    auto item = zel::newObj<CFunctionTest>(test);
+    locate(*item, test);
+    return item;
 }
 
 QIX_CATCHES_FORCED_UNWIND zel::P<ITestItem> CTestMaker::make(RegisteredFixture const& test)
@@ -83,7 +85,9 @@ QIX_CATCHES_FORCED_UNWIND zel::P<ITestItem> CTestMaker::make(RegisteredFixture c
     }
     catch (...)
     {
-        return locate(zel::newObj<CBrokenTest>(test, std::current_exception()), test);
+        auto item = zel::newObj<CBrokenTest>(test, std::current_exception());
+        locate(*item, test);
+        return item;
     }
 }
 
@@ -93,14 +97,14 @@ zel::P<ITestItem> CTestMaker::construct(RegisteredFixture const& test)
     item->m_name = test.name;
     item->m_duration = test.attributes.duration;
     item->m_interactive = test.attributes.interactive;
-    return locate(item, test);
+    locate(*item, test);
+    return item;
 }
 
-zel::P<ITestItem> CTestMaker::locate(zel::P<CTestItem> const& item, RegisteredTest const& test)
+void CTestMaker::locate(CTestItem& item, RegisteredTest const& test) noexcept
 {
-    item->m_file = test.file;
-    item->m_line = test.line;
-    return item;
+    item.m_file = test.file;
+    item.m_line = test.line;
 }
 
 } // namespace qix::detail

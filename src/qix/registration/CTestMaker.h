@@ -18,7 +18,7 @@ public:
 
 private:
     static zel::P<ITestItem> construct(RegisteredFixture const& test);
-    static zel::P<ITestItem> locate(zel::P<CTestItem> const& item, RegisteredTest const& test);
+    static void locate(CTestItem& item, RegisteredTest const& test) noexcept;
 };
 
 } // namespace qix::detail

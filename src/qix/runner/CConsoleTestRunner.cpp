@@ -113,9 +113,9 @@ void runGuarded(ITestItem& item, ITestRunner* runner)
     item.run(runner);
 }
 
-void endAs(ITestRunner& runner, TestOutcome::Kind kind, std::exception const* exception)
+void endAs(ITestRunner& runner, TestOutcome::Kind kind, std::exception const& exception)
 {
-    CReportedException const reported(exception);
+    CReportedException const reported(&exception);
     switch (kind)
     {
     case TestOutcome::Ok:
@@ -125,7 +125,7 @@ void endAs(ITestRunner& runner, TestOutcome::Kind kind, std::exception const* ex
     case TestOutcome::Skipped:
         return runner.endSubTest_Skipped();
     case TestOutcome::Failed:
-        return runner.endSubTest_Failed(*exception);
+        return runner.endSubTest_Failed(exception);
     }
 }
 
@@ -182,11 +182,11 @@ std::vector<std::string> namesOf(Records const& running, std::string const& name
 
 /// Keeps for listeners how the innermost running sub-test is about to end.
 void noteEnding(ITestRunner const* runner, std::size_t depth, TestOutcome::Kind kind,
-                std::exception const* exception = CReportedException::get())
+                std::exception const* exception = nullptr)
 {
     if (CListeners::areThere())
     {
-        CRunEvents::ofThisThread().noteEnding(runner, depth, makeOutcome(kind, exception));
+        CRunEvents::ofThisThread().noteEnding(runner, depth, kind, exception);
     }
 }
 
@@ -274,16 +274,20 @@ void CConsoleTestRunner::runTestItem(ITestItem* item)
         return;
     }
     logIndent(item->getName() + "\n");
-    TestInfo::Kind const kind = printHeader(*item, m_indent) ? TestInfo::Group : TestInfo::Test;
-    if (!beginItem(*this, *item, kind))
+    bool const isGroup = printHeader(*item, m_indent);
+    if (!beginItem(*this, *item, isGroup ? TestInfo::Group : TestInfo::Test))
     {
         return;
     }
     std::size_t const depth = m_running.size();
-    callAndEnd(
-        [&] { runGuarded(*item, this); },
-        [&](TestOutcome::Kind outcome, std::exception const* exception)
-        { endItem(*this, m_running, item, depth, [&] { endAs(*this, outcome, exception); }); });
+    catchOutcome(
+        [this, item, depth]
+        {
+            runGuarded(*item, this);
+            endItem(*this, m_running, item, depth, [this] { endSubTest_Success(); });
+        },
+        [this, item, depth](TestOutcome::Kind kind, std::exception const& exception)
+        { endItem(*this, m_running, item, depth, [&] { endAs(*this, kind, exception); }); });
 }
 
 bool CConsoleTestRunner::beginSubTest(std::string const& name, ITestItem::Duration duration,

@@ -2,8 +2,6 @@
 
 #include <qix/ILocatedItem.h>
 
-#include "runner/CListeners.h"
-
 #include <algorithm>
 #include <limits>
 #include <new>
@@ -118,12 +116,13 @@ TestInfo CRunEvents::makeInfo(std::vector<std::string> names, ITestItem::Duratio
             announced ? locationOf(announced->item) : reportedLocation()};
 }
 
-void CRunEvents::noteEnding(ITestRunner const* runner, std::size_t depth,
-                            TestOutcome const& outcome)
+void CRunEvents::noteEnding(ITestRunner const* runner, std::size_t depth, TestOutcome::Kind kind,
+                            std::exception const* exception)
 {
     if (Running* const running = find(runner, depth))
     {
-        running->outcome = outcome;
+        running->outcome =
+            makeOutcome(kind, exception == nullptr ? CReportedException::get() : exception);
     }
 }
 
@@ -185,23 +184,6 @@ void CRunEvents::endInnermost()
     outcome.elapsed = now - running.start;
     tell(CListeners::get().getSnapshot(), running.lastListener,
          [&](ITestListener& listener) { listener.onTestEnd(running.info, outcome); });
-}
-
-CAnnouncedItem::CAnnouncedItem(ITestItem* item, TestInfo::Kind kind)
-    : m_isAnnounced(CListeners::areThere())
-{
-    if (m_isAnnounced)
-    {
-        CRunEvents::ofThisThread().announce(item, kind);
-    }
-}
-
-CAnnouncedItem::~CAnnouncedItem()
-{
-    if (m_isAnnounced)
-    {
-        CRunEvents::ofThisThread().forgetAnnounced();
-    }
 }
 
 CRunScope::CRunScope(std::function<RunCounts()> counts)

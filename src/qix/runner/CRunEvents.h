@@ -4,6 +4,7 @@
 #include <qix/ITestRunner.h>
 
 #include "model/outcomes.h"
+#include "runner/CListeners.h"
 
 #include <chrono>
 #include <cstddef>
@@ -42,8 +43,10 @@ public:
                ITestItem::Duration duration, bool isInteractive);
 
     /// Keeps how a test is going to end.
-    /// \param depth  the number of tests that are running, those around it and itself
-    void noteEnding(ITestRunner const* runner, std::size_t depth, TestOutcome const& outcome);
+    /// \param depth      the number of tests that are running, those around it and itself
+    /// \param exception  what it threw; null when that is the exception being reported, or nothing
+    void noteEnding(ITestRunner const* runner, std::size_t depth, TestOutcome::Kind kind,
+                    std::exception const* exception);
 
     /// \param success  how it ended, unless that was noted
     void end(ITestRunner const* runner, std::size_t depth, bool success);
@@ -85,8 +88,22 @@ private:
 class CAnnouncedItem
 {
 public:
-    CAnnouncedItem(ITestItem* item, TestInfo::Kind kind);
-    ~CAnnouncedItem();
+    CAnnouncedItem(ITestItem* item, TestInfo::Kind kind) : m_isAnnounced(CListeners::areThere())
+    {
+        if (m_isAnnounced)
+        {
+            CRunEvents::ofThisThread().announce(item, kind);
+        }
+    }
+
+    ~CAnnouncedItem()
+    {
+        if (m_isAnnounced)
+        {
+            CRunEvents::ofThisThread().forgetAnnounced();
+        }
+    }
+
     CAnnouncedItem(CAnnouncedItem const&) = delete;
     CAnnouncedItem& operator=(CAnnouncedItem const&) = delete;
 

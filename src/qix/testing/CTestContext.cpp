@@ -167,16 +167,14 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::tryStep(char const* name, detail::C
 {
     try
     {
-        bool succeeded = false;
-        callAndEnd(
+        return catchOutcome(
             [step]
             {
                 CForkGuard const guard;
                 step();
             },
-            [&](TestOutcome::Kind kind, std::exception const* exception)
-            { succeeded = keepThrown(name, kind, exception); });
-        return succeeded;
+            [this, name](TestOutcome::Kind kind, std::exception const& exception)
+            { keepThrown(name, kind, exception); });
     }
     catch (abi::__forced_unwind const&)
     {
@@ -190,34 +188,32 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::tryStep(char const* name, detail::C
     return false;
 }
 
-/// True when nothing was thrown.
-bool CTestContext::keepThrown(char const* step, TestOutcome::Kind kind,
-                              std::exception const* exception)
+void CTestContext::keepThrown(char const* step, TestOutcome::Kind kind,
+                              std::exception const& exception)
 {
-    if (kind == TestOutcome::Ok)
-    {
-        return true;
-    }
-    bool const isNoted = dynamic_cast<CRequirementFailedException const*>(exception) != nullptr;
-    if (isNoted)
-    {
-        return false;
-    }
-    Thrown const thrown = {kind, exception, std::current_exception()};
+    Thrown const thrown = {kind, &exception, std::current_exception()};
     if (kind != TestOutcome::Failed)
     {
-        keepReason(thrown);
-        return false;
+        keepOutcome(thrown);
+        return;
     }
+    bool const isNoted = dynamic_cast<CRequirementFailedException const*>(&exception) != nullptr;
+    if (!isNoted)
+    {
+        keepError(step, thrown);
+    }
+}
+
+void CTestContext::keepError(char const* step, Thrown const& thrown)
+{
     if (!m_error)
     {
         m_error = thrown;
     }
-    noteThrown(step, exceptionText(*exception));
-    return false;
+    noteThrown(step, exceptionText(*thrown.exception));
 }
 
-void CTestContext::keepReason(Thrown const& thrown)
+void CTestContext::keepOutcome(Thrown const& thrown)
 {
     TestOutcome const outcome = makeOutcome(thrown.kind, thrown.exception);
     if (thrown.kind == TestOutcome::Aborted)

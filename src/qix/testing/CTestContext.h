@@ -83,8 +83,9 @@ private:
     bool beginSubTest(std::string const& name, SourceLocation const& location);
     bool endSubTest(CTestContext& row);
     void endFailedSubTest(CTestContext const& row);
-    bool keepThrown(char const* step, TestOutcome::Kind kind, std::exception const* exception);
-    void keepReason(Thrown const& thrown);
+    void keepThrown(char const* step, TestOutcome::Kind kind, std::exception const& exception);
+    void keepError(char const* step, Thrown const& thrown);
+    void keepOutcome(Thrown const& thrown);
     void note(CheckFailure const& failure);
     void noteThrown(char const* step, std::string const& what);
     void noteLocked(CheckFailure const& failure);

@@ -449,6 +449,21 @@ TEST_F(ITestListener, isToldTestsOfARunnerThatIsUsedWithoutARun)
     EXPECT_THAT(listener->m_lines, ElementsAre("number failed"));
 }
 
+TEST_F(ITestListener, isToldTheEndOfWhatAnotherRunnerHasLeftOpenInATest)
+{
+    COpenRunner inner(zel::newObj<qix::CTestItemGroup>("").get());
+    add("outer", [&inner](CFunctionTestItem&, ITestRunner&)
+        { inner.beginSubTest("open", ITestItem::Short, false, false); });
+    add("next");
+    CScopedListener const listener;
+
+    EXPECT_TRUE(runAll());
+
+    EXPECT_THAT(listener->m_lines,
+                ElementsAre("run begins", "outer begins", "open begins", "open failed", "outer ok",
+                            "next begins", "next ok", "run ends: 2 0 0 0"));
+}
+
 TEST_F(ITestListener, isToldWhatADerivedRunnerMakesOfAnOutcome)
 {
     /// Takes what is skipped for a failure.
@@ -782,6 +797,32 @@ TEST_F(ITestListener, failsTheRunInWhichItThrows)
     EXPECT_TRUE(runAll());
 
     EXPECT_FALSE(innerSucceeds);
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(ITestListener, failsTheRunAroundAnother)
+{
+    auto const innerRoot = zel::newObj<qix::CTestItemGroup>("");
+    addTo(*innerRoot, "inner");
+    add("outer",
+        [&](CFunctionTestItem&, ITestRunner&)
+        {
+            COpenRunner inner(innerRoot.get());
+            inner.toggleAll();
+            EXPECT_TRUE(inner.go());
+        });
+    CScopedListener const listener;
+    listener->m_whenTold = [](std::string const& line)
+    {
+        if (line == "outer ok")
+        {
+            throw boom;
+        }
+    };
+    testing::internal::CaptureStderr();
+
+    EXPECT_FALSE(runAll());
+
     EXPECT_NE(testing::internal::GetCapturedStderr(), "");
 }
 

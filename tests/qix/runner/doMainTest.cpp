@@ -1,4 +1,5 @@
 #include "runner/DoMainTest.h"
+#include "runner/CNotingListener.h"
 
 #include "readFile.h"
 
@@ -55,6 +56,28 @@ TEST_F(DoMain, createsFoldersThatTheUmaskNarrows)
     {
         EXPECT_EQ(fs::status(folder).permissions(), static_cast<fs::perms>(0755)) << folder;
     }
+}
+
+TEST_F(DoMain, isListenedToAndFailsWithAListener)
+{
+    EXPECT_EQ(inChild(
+                  []
+                  {
+                      test::CScopedListener const listener;
+                      std::string told;
+                      listener->m_whenTold = [&told](std::string const& line)
+                      {
+                          told += line + "\n";
+                          throw std::runtime_error("the disk is full");
+                      };
+                      char const* lines[] = {"0"};
+                      bool const succeeded = CConsoleTestRunner::doMain(1, lines);
+                      std::ofstream("told.txt") << told;
+                      return succeeded;
+                  }),
+              1);
+    EXPECT_EQ(test::readFile("testWork/alice/told.txt"),
+              "run begins\nzero begins\nzero ok\nrun ends: 1 0 0 0\n");
 }
 
 TEST_F(DoMain, variableNamesTheBaseFolder)
