@@ -7,12 +7,11 @@
 #include "testing/CTestContext.h"
 #include "text/decodedText.h"
 #include "text/exceptionText.h"
+#include "text/forcedUnwind.h"
 #include "text/withIndentedLines.h"
 
 #include <string>
 #include <utility>
-
-#include <cxxabi.h>
 
 namespace qix::detail
 {
@@ -23,7 +22,7 @@ namespace
 /// What the check that is failing on this thread has to tell beside its expression.
 thread_local std::string keptText;
 
-void writeValue(CValueWriter& out, ValueRef value)
+QIX_CATCHES_FORCED_UNWIND void writeValue(CValueWriter& out, ValueRef value)
 {
     try
     {

@@ -37,10 +37,21 @@ TEST(CTestTree, namesWhatCouldNotBeMade)
     EXPECT_THAT(test::idsOf(tree), ElementsAre("%28null%29"));
 }
 
+/// Holds no reference to itself, by which it would live for ever.
+class CGroupInItself : public qix::CTestItemGroup
+{
+public:
+    using CTestItemGroup::CTestItemGroup;
+
+    void getSubItems(Items& out) override
+    {
+        out = {group("inner", {zel::P<qix::ITestItem>::share(this)})};
+    }
+};
+
 TEST(CTestTree, refusesAnItemThatContainsItself)
 {
-    auto const outer = zel::newObj<qix::CTestItemGroup>("outer");
-    outer->addSubItem(group("inner", {outer}));
+    auto const outer = zel::newObj<CGroupInItself>("outer");
     EXPECT_EQ(test::errorOf([&outer] { CTestTree tree({outer}); }),
               "the test item \"outer\" contains itself");
 }
