@@ -67,14 +67,21 @@ TEST(CTestTree, takesTheSameItemInTwoPlaces)
 TEST(CTestTree, isBuiltWithoutRecursion)
 {
     constexpr int depth = 20000;
-    auto item = leaf("leaf");
+    Items nested = {leaf("leaf")};
     for (int i = 0; i < depth; ++i)
     {
-        item = group("g", {item});
+        nested.push_back(group("g", {nested.back()}));
     }
-    CTestTree const tree({item});
-    EXPECT_EQ(tree.size(), depth + 1U);
-    EXPECT_EQ(tree.idOf(depth).size(), 2U * depth + 4U);
+    {
+        CTestTree const tree({nested.back()});
+        EXPECT_EQ(tree.size(), depth + 1U);
+        EXPECT_EQ(tree.idOf(depth).size(), 2U * depth + 4U);
+    }
+    // From the outermost on: one that released what it alone holds would do that recursively.
+    while (!nested.empty())
+    {
+        nested.pop_back();
+    }
 }
 
 TEST(CTestTree, idsAreUniqueAndMoveToFindsThem)
