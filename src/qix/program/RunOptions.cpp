@@ -59,7 +59,8 @@ std::string usageOf(Option const& option)
 void applyOption(RunOptions& options, std::string const& argument)
 {
     std::size_t const equals = argument.find('=');
-    Option const& option = findOption(argument.substr(2, equals - 2));
+    std::string const name = argument.substr(2, equals - 2);
+    Option const& option = findOption(name);
     bool const hasValue = equals != std::string::npos;
     std::string const value = hasValue ? argument.substr(equals + 1) : std::string();
     std::string const allowed = ": allowed is " + usageOf(option) + option.allowed;
