@@ -10,6 +10,8 @@ function(qix_define_wx_base)
     if(NOT wxWidgets_FOUND)
         return()
     endif()
+    # What wx-config tells may have blanks too many, which some versions of CMake's module keep.
+    list(REMOVE_ITEM wxWidgets_LIBRARIES "")
     add_library(wx::base INTERFACE IMPORTED)
     set_target_properties(wx::base PROPERTIES
         INTERFACE_INCLUDE_DIRECTORIES "${wxWidgets_INCLUDE_DIRS}"

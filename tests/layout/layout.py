@@ -84,9 +84,13 @@ def slots_of(name, tables):
     return slots
 
 
-def without_arguments_namespaces(text):
-    """From clang++ 19 on, some of the names in a template's arguments lack their namespace."""
-    return re.sub(r"<.*>", lambda arguments: re.sub(r"\b\w+::", "", arguments[0]), text)
+def without_namespaces(text):
+    """From clang++ 19 on, some names of types lack their namespace."""
+    return re.sub(r"\b\w+::", "", text)
+
+
+def without_arguments_namespaces(name):
+    return re.sub(r"<.*>", lambda arguments: without_namespaces(arguments[0]), name)
 
 
 def fields_of(name, records):
@@ -117,7 +121,7 @@ def describe(name, tables, records):
 
 
 def same(left, right):
-    return without_arguments_namespaces(left) == without_arguments_namespaces(right)
+    return without_namespaces(left) == without_namespaces(right)
 
 
 def file_of(folder, name):
