@@ -305,6 +305,7 @@ bool CPlannedRunner::beginSubTest(std::string const& name, ITestItem::Duration d
 bool CPlannedRunner::begin(Open open, std::string const& name, ITestItem::Duration duration,
                            bool isInteractive, bool containsAnyInteractive)
 {
+    CScopedValue<Open*> const beginning(m_beginning, &open);
     bool const isBegun = open.isLetIn
                              ? beginLetIn(name, duration, isInteractive, containsAnyInteractive)
                              : CConsoleTestRunner::beginSubTest(name, duration, isInteractive,
@@ -324,6 +325,51 @@ bool CPlannedRunner::begin(Open open, std::string const& name, ITestItem::Durati
     open.begin = Clock::now();
     m_open.push_back(std::move(open));
     return true;
+}
+
+std::string const& CPlannedRunner::idOf(TestInfo const& test)
+{
+    if (m_beginning == nullptr)
+    {
+        // Another runner has begun it.
+        m_idFromNames.clear();
+        for (std::string const& name : test.names)
+        {
+            m_idFromNames += m_idFromNames.empty() ? "" : ".";
+            appendIdComponent(m_idFromNames, name);
+        }
+        return m_idFromNames;
+    }
+    if (m_beginning->isUnknown && m_beginning->reportedId.empty())
+    {
+        nameUnknown(*m_beginning, test.names.back());
+    }
+    return idOf(*m_beginning);
+}
+
+/// Gives something that is not in the tree its id, which stays the same until it ends.
+void CPlannedRunner::nameUnknown(Open& open, std::string const& name)
+{
+    if (open.subTests != nullptr)
+    {
+        open.reportedId = open.id;
+        return;
+    }
+    Open& above = m_open.back();
+    std::string component;
+    appendIdComponent(component, name);
+    appendSiblingNumber(component, ++above.siblings[component]);
+    std::string const& idAbove = idOf(above);
+    open.reportedId = idAbove.empty() ? component : idAbove + '.' + component;
+}
+
+std::string const& CPlannedRunner::idOf(Open& open)
+{
+    if (open.reportedId.empty() && !open.isUnknown && open.node != noNode)
+    {
+        open.reportedId = m_plan->tree().idOf(open.node);
+    }
+    return open.reportedId;
 }
 
 bool CPlannedRunner::beginLetIn(std::string const& name, ITestItem::Duration duration,

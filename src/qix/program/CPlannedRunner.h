@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qix/CConsoleTestRunner.h>
+#include <qix/TestInfo.h>
 
 #include "history/posix/CRunRecorder.h"
 #include "selection/CSubTestFilter.h"
@@ -61,6 +62,9 @@ public:
     /// For each node what the test took at most, in microseconds; 0 when it has not run.
     std::vector<std::uint64_t> const& times() const noexcept { return m_times; }
 
+    /// The id of the test, group or sub-test that a listener is being told of at its beginning.
+    std::string const& idOf(TestInfo const& test);
+
     /// The numbers of those patterns for sub-tests that no sub-test has had, though its test ran.
     std::vector<std::size_t> listUnusedSubTestPatterns() const;
 
@@ -91,6 +95,7 @@ private:
         std::size_t calls = 0;        ///< how many children have been handed over
         SubTests* subTests = nullptr; ///< not null when some of what is below may be unwanted
         std::string id;               ///< when subTests is not null
+        std::string reportedId;       ///< when idOf() was asked for it
         bool isUnknown = false;       ///< it is not in the tree
         bool isLetIn = false;         ///< no filter is asked
         bool isKept = false;          ///< everything below is kept
@@ -106,6 +111,8 @@ private:
         ITestItem* item;
     };
 
+    void nameUnknown(Open& open, std::string const& name);
+    std::string const& idOf(Open& open);
     Child nextChild(ITestItem* item);
     NodeIndex findChild(Open& open, ITestItem* item);
     NodeIndex findByPointer(Open& open, ITestItem const* item);
@@ -135,8 +142,10 @@ private:
     std::uint64_t m_failedTests = 0;
     std::size_t m_reachedTests = 0;
 
-    std::vector<Open> m_open;   ///< the root, and beside each of m_running what it is
-    std::optional<Open> m_next; ///< the item that is about to begin
+    std::vector<Open> m_open;    ///< the root, and beside each of m_running what it is
+    std::optional<Open> m_next;  ///< the item that is about to begin
+    Open* m_beginning = nullptr; ///< what listeners are told of just now
+    std::string m_idFromNames;
 };
 
 /// True for the classes whose items hand over all children, one after the other, and do nothing

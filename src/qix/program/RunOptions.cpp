@@ -77,6 +77,7 @@ void applyOption(RunOptions& options, std::string const& argument)
         throwWrong(argument + " has a wrong value" + allowed);
     }
     options.any = true;
+    options.given.push_back(argument);
 }
 
 void checkTogether(RunOptions const& options)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "history/RunHistory.h"
+#include "reporters/JUnitSchema.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -59,6 +60,11 @@ struct RunOptions
     std::optional<std::uint64_t> untilFail; ///< repeats so many times at most
     std::optional<std::uint64_t> durations; ///< tells so many tests that took longest
     std::optional<Shard> shard;
+    std::string eventsFile; ///< absolute; empty for none
+    std::string junitFile;  ///< absolute; empty for none
+    JUnitSchema junitSchema = JUnitSchema::Plain;
+    bool annotatesForGithub = false;
+    std::vector<std::string> given;  ///< the options as they were written
     std::optional<RunHistory> times; ///< of a file, instead of those of the working folder
 };
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <stdexcept>
@@ -184,6 +185,36 @@ bool applyColor(RunOptions& options, std::string const& value)
     return false;
 }
 
+/// The name as it is meant where the program was started: the run has a folder of its own.
+std::string absolute(std::string const& file)
+{
+    return std::filesystem::absolute(file).string();
+}
+
+bool applyOutputEvents(RunOptions& options, std::string const& value)
+{
+    options.eventsFile = absolute(value);
+    return true;
+}
+
+bool applyOutputJUnit(RunOptions& options, std::string const& value)
+{
+    options.junitFile = absolute(value);
+    return true;
+}
+
+bool applyJUnitSchema(RunOptions& options, std::string const& value)
+{
+    options.junitSchema = value == "jenkins" ? JUnitSchema::Jenkins : JUnitSchema::Plain;
+    return value == "jenkins" || value == "plain";
+}
+
+bool applyAnnotate(RunOptions& options, std::string const& value)
+{
+    options.annotatesForGithub = true;
+    return value == "github";
+}
+
 bool applyShard(RunOptions& options, std::string const& value)
 {
     std::size_t const slash = value.find('/');
@@ -267,6 +298,20 @@ std::vector<Option> const& optionTable()
          Value::Required, applyTimes},
         {"durations", "[=N]", ", with N from 1 on",
          "Tells the N tests that took longest, by default 10.", Value::Optional, applyDurations},
+        {"output-events", "=FILE", "", "Writes what happens to a file, as one JSON object a line.",
+         Value::Required, applyOutputEvents},
+        {"output-junit", "=FILE", "",
+         "Writes a JUnit report, which can be read even when the run is\n"
+         "killed.",
+         Value::Required, applyOutputJUnit},
+        {"junit-schema", "=plain|jenkins", "",
+         "Which attributes the JUnit report has: plain (the default), or\n"
+         "those alone that Jenkins' xUnit plug-in takes.",
+         Value::Required, applyJUnitSchema},
+        {"annotate", "=github", "",
+         "Prints a line for each of the first ten failures, which GitHub\n"
+         "shows beside the source.",
+         Value::Required, applyAnnotate},
         {"color", "=auto|always|never", "",
          "Colours on a terminal (the default), always, or never. NO_COLOR\n"
          "and CLICOLOR_FORCE in the environment are heeded.",

@@ -4,6 +4,7 @@
 
 #include "guards/exitStatus.h"
 #include "program/CPlannedRun.h"
+#include "program/CReportSet.h"
 #include "program/CTestSelection.h"
 #include "program/colors.h"
 #include "program/listTests.h"
@@ -66,14 +67,34 @@ int list(CTestSelection const& selection, RunOptions const& options, std::string
     return exitAllPassed;
 }
 
-int run(CTestSelection const& selection, RunOptions const& options, CPlannedRunner& runner,
-        std::string const& historyFile, RunHistory const& history)
+ReportContext makeContext(std::string const& program, RunOptions const& options,
+                          CTestSelection const& selection, CPlannedRunner& runner)
 {
+    ReportContext context;
+    context.program = program;
+    context.version = QIX_VERSION;
+    context.digest = selection.digest();
+    if (options.shard)
+    {
+        context.shard =
+            std::to_string(options.shard->number) + '/' + std::to_string(options.shard->count);
+    }
+    context.options = options.given;
+    context.idOf = [&runner](TestInfo const& test) { return runner.idOf(test); };
+    return context;
+}
+
+int run(std::string const& program, CTestSelection const& selection, RunOptions const& options,
+        CPlannedRunner& runner, std::string const& historyFile, RunHistory const& history)
+{
+    CReportSet reports(options, makeContext(program, options, selection, runner));
     bool const isColored = options.any && hasColors(options.color);
     consoleColors = isColored ? withColors : withoutColors;
     CPlannedRun plannedRun(options, selection, runner);
     plannedRun.record(historyFile, history);
-    return plannedRun.run();
+    int const status = plannedRun.run();
+    bool const areReportsComplete = reports.finish();
+    return status == exitAllPassed && !areReportsComplete ? exitNoVerdict : status;
 }
 
 /// \param diverted  ends when the tests are listed
@@ -91,7 +112,7 @@ int runInWorkDirectory(Arguments const& arguments, std::string const& program,
     diverted.reset();
     return options.listing != RunOptions::Listing::None
                ? list(selection, options, program)
-               : run(selection, options, *runner, historyFile, history);
+               : run(program, selection, options, *runner, historyFile, history);
 }
 
 } // namespace

@@ -1,0 +1,210 @@
+#include "reporters/CJUnitReport.h"
+
+#include "reporters/posix/hostName.h"
+#include "reporters/reportText.h"
+#include "reporters/xmlText.h"
+
+#include <utility>
+
+namespace qix
+{
+
+namespace
+{
+
+constexpr char const foot[] = "</testsuite>\n</testsuites>\n";
+constexpr std::size_t longestText = 65536;
+constexpr std::size_t longestMessage = 1000;
+
+std::string attribute(char const* name, std::string const& value)
+{
+    return std::string(" ") + name + "=\"" + xmlText(value) + '"';
+}
+
+std::string firstLine(std::string const& text)
+{
+    return cutInTheMiddle(text.substr(0, text.find('\n')), longestMessage);
+}
+
+std::string outputOf(TestInfo const& test)
+{
+    std::string output;
+    if (test.item != nullptr)
+    {
+        for (zel::String const& line : test.item->getLog())
+        {
+            output += toUtf8(line) + '\n';
+        }
+    }
+    return output;
+}
+
+/// All that people need to know, since some readers show nothing else.
+std::string textOf(TestInfo const& test, TestOutcome const& outcome)
+{
+    std::string const output = outputOf(test);
+    std::string const text = cutInTheMiddle(outcome.message, longestText);
+    return output.empty() ? text : text + "\n\nOutput:\n" + cutInTheMiddle(output, longestText);
+}
+
+std::string skipped(char const* type, std::string const& reason)
+{
+    return std::string("<skipped") + attribute("type", type) + attribute("message", reason) + "/>";
+}
+
+/// Where the part of an id behind so many names begins.
+std::size_t behindNames(std::string const& id, std::size_t names)
+{
+    std::size_t position = 0;
+    for (; names > 0; --names)
+    {
+        std::size_t const dot = id.find('.', position);
+        if (dot == std::string::npos)
+        {
+            return 0;
+        }
+        position = dot + 1;
+    }
+    return position;
+}
+
+} // namespace
+
+CJUnitReport::CJUnitReport(std::unique_ptr<ILiveFile> file, JUnitSchema schema,
+                           ReportContext reportContext)
+    : CReport(std::move(reportContext)),
+      m_schema(schema),
+      m_start(formatUtcNow()),
+      m_begin(std::chrono::steady_clock::now()),
+      m_file(std::move(file)),
+      m_xml(*m_file, head("") + unfinishedRun(), foot),
+      m_isComplete(m_xml.start())
+{
+}
+
+void CJUnitReport::finish()
+{
+    if (m_isComplete)
+    {
+        m_isComplete = m_file->replace(head(formatCounts()) + m_xml.visibleRecords() + foot);
+    }
+}
+
+std::string CJUnitReport::head(std::string const& counts) const
+{
+    std::string suite = attribute("name", context().program) + counts;
+    if (m_schema == JUnitSchema::Plain)
+    {
+        suite += attribute("timestamp", m_start) + attribute("hostname", hostName());
+    }
+    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n<testsuite" +
+                       suite + ">\n<properties>\n<property" + attribute("name", "digest") +
+                       attribute("value", context().digest) + "/>\n";
+    if (!context().shard.empty())
+    {
+        text +=
+            "<property" + attribute("name", "shard") + attribute("value", context().shard) + "/>\n";
+    }
+    return text + "</properties>\n";
+}
+
+/// It is gone from the complete report.
+std::string CJUnitReport::unfinishedRun() const
+{
+    return "<testcase" + attribute("classname", context().program) +
+           attribute("name", "(the whole run)") +
+           "><error type=\"unfinished\" message=\"The run did not finish.\">The run did not "
+           "finish, so that tests are missing here.</error></testcase>\n";
+}
+
+std::string CJUnitReport::formatCounts() const
+{
+    std::string text = attribute("tests", std::to_string(m_counts.tests)) +
+                       attribute("failures", std::to_string(m_counts.failures)) +
+                       attribute("errors", std::to_string(m_counts.errors));
+    if (m_schema == JUnitSchema::Plain)
+    {
+        text += attribute("skipped", std::to_string(m_counts.skipped)) +
+                attribute("time", formatSeconds(std::chrono::steady_clock::now() - m_begin));
+    }
+    return text;
+}
+
+std::string CJUnitReport::openCase(Test const& test) const
+{
+    std::size_t const name = behindNames(test.id, test.groups);
+    std::string text =
+        "<testcase" +
+        attribute("classname", name == 0 ? context().program : test.id.substr(0, name - 1)) +
+        attribute("name", test.id.substr(name));
+    if (m_schema == JUnitSchema::Plain && test.info->location)
+    {
+        text += attribute("file", test.info->location->file) +
+                attribute("line", std::to_string(test.info->location->line));
+    }
+    return text;
+}
+
+void CJUnitReport::beginTest(Test const& test)
+{
+    CLiveXml::Record unfinished = 0;
+    if (test.info->kind != TestInfo::Group)
+    {
+        m_isComplete =
+            m_xml.addForNow(openCase(test) + "><error type=\"unfinished\" message=\"The test did "
+                                             "not finish.\">The test began and did not "
+                                             "finish.</error></testcase>\n",
+                            unfinished) &&
+            m_isComplete;
+    }
+    m_unfinished.push_back(unfinished);
+}
+
+void CJUnitReport::endTest(Test const& test, TestOutcome const& outcome)
+{
+    CLiveXml::Record const unfinished = m_unfinished.back();
+    m_unfinished.pop_back();
+    bool const isReported = test.info->kind != TestInfo::Group || outcome.kind != TestOutcome::Ok;
+    if (isReported)
+    {
+        ++m_counts.tests;
+        m_isComplete =
+            m_xml.add(openCase(test) + attribute("time", formatSeconds(outcome.elapsed)) +
+                      verdict(test, outcome)) &&
+            m_isComplete;
+    }
+    m_xml.hide(unfinished);
+}
+
+std::string CJUnitReport::verdict(Test const& test, TestOutcome const& outcome)
+{
+    constexpr char const end[] = "</testcase>\n";
+    switch (outcome.kind)
+    {
+    case TestOutcome::Ok:
+        return "/>\n";
+    case TestOutcome::Failed:
+        ++m_counts.failures;
+        return "><failure" + attribute("type", "failed") +
+               attribute("message", firstLine(outcome.message)) + ">" +
+               xmlText(textOf(*test.info, outcome)) + "</failure>" + end;
+    case TestOutcome::Aborted:
+        ++m_counts.skipped;
+        return ">" + skipped("aborted", toUtf8(outcome.reason)) + end;
+    case TestOutcome::Skipped:
+        break;
+    }
+    ++m_counts.skipped;
+    return ">" + skipped("skipped", toUtf8(outcome.reason)) + end;
+}
+
+void CJUnitReport::filterTest(Test const& test, Filter filter)
+{
+    ++m_counts.tests;
+    ++m_counts.skipped;
+    m_isComplete = m_xml.add(openCase(test) + attribute("time", "0") + ">" +
+                             skipped("filtered", describe(filter)) + "</testcase>\n") &&
+                   m_isComplete;
+}
+
+} // namespace qix
