@@ -20,9 +20,10 @@ Item dying(std::string const& name, void (*die)())
 
 } // namespace
 
-int main(int argc, char** argv)
+// The ready main would tell of the crash.
+int main(int argc, char const** argv)
 {
-    return run(argc, argv,
-               {dying("kill", [] { static_cast<void>(raise(SIGKILL)); }),
-                dying("abort", [] { std::abort(); }), dying("exit at once", [] { _exit(5); })});
+    addToRoot({dying("kill", [] { static_cast<void>(raise(SIGKILL)); }),
+               dying("abort", [] { std::abort(); }), dying("exit at once", [] { _exit(5); })});
+    return qix::CConsoleTestRunner::doMain(argc - 1, argv + 1) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

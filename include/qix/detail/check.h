@@ -2,6 +2,7 @@
 
 #include <qix/detail/describe.h>
 #include <qix/detail/narrowText.h>
+#include <qix/detail/passedCheck.h>
 #include <qix/export.h>
 
 #include <cstddef>

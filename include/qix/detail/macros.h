@@ -16,7 +16,7 @@
 
 #define QIX_DETAIL_CHECK(onFailure, text, ...)                                                     \
     (::qix::detail::holds(QIX_DETAIL_TAKE_APART(__VA_ARGS__))                                      \
-         ? static_cast<void>(0)                                                                    \
+         ? ::qix::detail::notePassedCheck(__FILE__, __LINE__)                                      \
          : ::qix::detail::onFailure(__FILE__, __LINE__, text))
 
 // Tries the statement of a check of what is thrown: neither its value nor its variables are used.
@@ -55,6 +55,10 @@
             ::qix::detail::captureNothingThrown();                                                 \
             ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
         }                                                                                          \
+        else                                                                                       \
+        {                                                                                          \
+            ::qix::detail::notePassedCheck(__FILE__, __LINE__);                                    \
+        }                                                                                          \
     } while (false)
 
 #define QIX_DETAIL_CHECK_THROWS_AS(onFailure, text, statement, ...)                                \
@@ -75,6 +79,10 @@
         {                                                                                          \
             ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
         }                                                                                          \
+        else                                                                                       \
+        {                                                                                          \
+            ::qix::detail::notePassedCheck(__FILE__, __LINE__);                                    \
+        }                                                                                          \
     } while (false)
 
 #define QIX_DETAIL_CHECK_NOTHROW(onFailure, text, ...)                                             \
@@ -85,6 +93,10 @@
         if (qixThrew)                                                                              \
         {                                                                                          \
             ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
+        }                                                                                          \
+        else                                                                                       \
+        {                                                                                          \
+            ::qix::detail::notePassedCheck(__FILE__, __LINE__);                                    \
         }                                                                                          \
     } while (false)
 

@@ -1,6 +1,7 @@
 #include <qix/main.h>
 
 #include "guards/exitStatus.h"
+#include "guards/posix/CCrashGuard.h"
 #include "guards/posix/CExitGuard.h"
 #include "program/RunOptions.h"
 #include "program/posix/CFileSizeLimit.h"
@@ -61,7 +62,8 @@ int print(std::string const& text)
 
 int runSelection(Arguments& arguments, std::string const& program)
 {
-    CExitGuard const guard;
+    CExitGuard const exitGuard;
+    CCrashGuard const crashGuard;
     CFileSizeLimit const limit;
     CLogProtection const protection;
     try

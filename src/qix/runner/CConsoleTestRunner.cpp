@@ -3,6 +3,7 @@
 #include <zel/debug.h>
 
 #include "guards/posix/CForkGuard.h"
+#include "guards/posix/runNotes.h"
 #include "model/outcomes.h"
 #include "runner/CListeners.h"
 #include "runner/CRunEvents.h"
@@ -110,6 +111,7 @@ void reportNullItem(CConsoleTestRunner& runner)
 void runGuarded(ITestItem& item, ITestRunner* runner)
 {
     CForkGuard const guard;
+    noteItemBegin();
     item.run(runner);
 }
 
@@ -241,6 +243,7 @@ CConsoleTestRunner::~CConsoleTestRunner()
 bool CConsoleTestRunner::go()
 {
     resetCounters();
+    CNotedRun const noted;
     // Whatever ends the run, what the selection has printed is seen.
     std::fflush(stdout);
     openLog();
@@ -311,6 +314,7 @@ bool CConsoleTestRunner::beginSubTest(std::string const& name, ITestItem::Durati
         CRunEvents::ofThisThread().begin(this, namesOf(m_running, name), duration, isInteractive);
     }
     m_running.push_back({name, m_beginCount, duration, isInteractive, std::time(nullptr)});
+    noteTestBegin(name);
     ++m_beginCount;
     m_indent += indentOfOneLevel;
     return true;
@@ -376,6 +380,7 @@ void CConsoleTestRunner::finalizeSubTest(bool success)
     }
     std::size_t const depth = m_running.size();
     m_running.pop_back();
+    noteTestEnd();
     outdent(m_indent);
     if (CListeners::areThere())
     {

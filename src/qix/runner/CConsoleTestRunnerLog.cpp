@@ -1,6 +1,7 @@
 #include <qix/CConsoleTestRunner.h>
 #include <zel/String.h>
 
+#include "guards/posix/runNotes.h"
 #include "runner/indent.h"
 #include "runner/posix/logFile.h"
 
@@ -28,6 +29,7 @@ void CConsoleTestRunner::logNoIndent(std::string const& s)
     {
         std::fputs(s.c_str(), m_log);
         std::fflush(m_log);
+        noteLogText(m_log, s);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "runner/posix/logFile.h"
 
 #include "guards/posix/CForkLock.h"
+#include "guards/posix/runNotes.h"
 #include "text/decodedText.h"
 
 #include <algorithm>
@@ -131,11 +132,13 @@ std::FILE* openLogFile(char const* name)
 {
     std::FILE* const log = protections > 0 ? openProtected(name) : std::fopen(name, "w");
     noteOpenLog(log);
+    noteLogOpened(log);
     return log;
 }
 
 void closeLogFile(std::FILE* log)
 {
+    noteLogClosed(log);
     {
         std::lock_guard<std::mutex> const lock(openLogsMutex);
         openLogs.erase(std::remove_if(openLogs.begin(), openLogs.end(),
