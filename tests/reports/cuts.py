@@ -36,7 +36,7 @@ class Report:
     def write(self, offset, data):
         before = bytes(self.bytes)
         # Most of a long record is the same letter.
-        step = 1 if len(data) < 5000 else 997
+        step = 1 if len(data) < 5000 else 97
         for size in range(0, len(data) + 1, step):
             self.bytes[offset:offset + size] = data[:size]
             self.check(self.bytes)

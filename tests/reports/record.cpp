@@ -109,7 +109,7 @@ void runSome(ITestListener& report)
     run(report, info(TestInfo::SubTest, {"Group", "table", "row"}), outcome(TestOutcome::Skipped));
     // Longer than the room that a file has at first, while other tests have not finished.
     run(report, info(TestInfo::SubTest, {"Group", "table", "long"}),
-        outcome(TestOutcome::Failed, std::string(70000, 'x')));
+        outcome(TestOutcome::Failed, std::string(9000, 'x')));
     run(report, info(TestInfo::SubTest, {"Group", "table", "behind"}), outcome(TestOutcome::Ok));
     report.onTestEnd(table, outcome(TestOutcome::Aborted));
     report.onTestFiltered(info(TestInfo::Test, {"Group", "long"}), ITestListener::Filter::Duration);

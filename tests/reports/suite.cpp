@@ -57,6 +57,12 @@ QIX_TEST(Results, fails)
     QIX_CHECK(2 == 3);
 }
 
+QIX_TEST(Results, talksALot)
+{
+    qix::log(std::string(200000, 'o') + "\xff\x01");
+    QIX_FAIL(std::string(100000, 'm') + "\xff\x01\xEF\xBF\xBE ]]>");
+}
+
 QIX_TEST(Results, isSkipped)
 {
     QIX_SKIP("not on this machine");

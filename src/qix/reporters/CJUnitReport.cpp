@@ -4,6 +4,7 @@
 #include "reporters/reportText.h"
 #include "reporters/xmlText.h"
 
+#include <string_view>
 #include <utility>
 
 namespace qix
@@ -16,9 +17,20 @@ constexpr char const foot[] = "</testsuite>\n</testsuites>\n";
 constexpr std::size_t longestText = 65536;
 constexpr std::size_t longestMessage = 1000;
 
-std::string attribute(char const* name, std::string const& value)
+void appendAttribute(std::string& xml, char const* name, std::string_view value)
 {
-    return std::string(" ") + name + "=\"" + xmlText(value) + '"';
+    xml += ' ';
+    xml += name;
+    xml += "=\"";
+    appendXmlText(xml, value);
+    xml += '"';
+}
+
+std::string attribute(char const* name, std::string_view value)
+{
+    std::string xml;
+    appendAttribute(xml, name, value);
+    return xml;
 }
 
 std::string firstLine(std::string const& text)
@@ -52,14 +64,23 @@ std::string skipped(char const* type, std::string const& reason)
     return std::string("<skipped") + attribute("type", type) + attribute("message", reason) + "/>";
 }
 
+std::string failed(TestOutcome const& outcome, std::string const& text)
+{
+    std::string xml = "><failure type=\"failed\"";
+    appendAttribute(xml, "message", firstLine(outcome.message));
+    xml += '>';
+    appendXmlText(xml, text);
+    return xml + "</failure>";
+}
+
 /// Where the part of an id behind so many names begins.
-std::size_t behindNames(std::string const& id, std::size_t names)
+std::size_t behindNames(std::string_view id, std::size_t names)
 {
     std::size_t position = 0;
     for (; names > 0; --names)
     {
         std::size_t const dot = id.find('.', position);
-        if (dot == std::string::npos)
+        if (dot == std::string_view::npos)
         {
             return 0;
         }
@@ -113,8 +134,8 @@ std::string CJUnitReport::unfinishedRun() const
 {
     return "<testcase" + attribute("classname", context().program) +
            attribute("name", "(the whole run)") +
-           "><error type=\"unfinished\" message=\"The run did not finish.\">The run did not "
-           "finish, so that tests are missing here.</error></testcase>\n";
+           "><error type=\"unfinished\">The run did not finish, so that tests are missing "
+           "here.</error></testcase>\n";
 }
 
 std::string CJUnitReport::formatCounts() const
@@ -130,19 +151,19 @@ std::string CJUnitReport::formatCounts() const
     return text;
 }
 
-std::string CJUnitReport::openCase(Test const& test) const
+/// The case up to what depends on its end.
+void CJUnitReport::appendCase(std::string& xml, Test const& test) const
 {
-    std::size_t const name = behindNames(test.id, test.groups);
-    std::string text =
-        "<testcase" +
-        attribute("classname", name == 0 ? context().program : test.id.substr(0, name - 1)) +
-        attribute("name", test.id.substr(name));
+    std::string_view const id = test.id;
+    std::size_t const name = behindNames(id, test.groups);
+    xml += "<testcase";
+    appendAttribute(xml, "classname", name == 0 ? context().program : id.substr(0, name - 1));
+    appendAttribute(xml, "name", id.substr(name));
     if (m_schema == JUnitSchema::Plain && test.info->location)
     {
-        text += attribute("file", test.info->location->file) +
-                attribute("line", std::to_string(test.info->location->line));
+        appendAttribute(xml, "file", test.info->location->file);
+        appendAttribute(xml, "line", std::to_string(test.info->location->line));
     }
-    return text;
 }
 
 void CJUnitReport::beginTest(Test const& test)
@@ -150,12 +171,10 @@ void CJUnitReport::beginTest(Test const& test)
     CLiveXml::Record unfinished = 0;
     if (test.info->kind != TestInfo::Group)
     {
-        m_isComplete =
-            m_xml.addForNow(openCase(test) + "><error type=\"unfinished\" message=\"The test did "
-                                             "not finish.\">The test began and did not "
-                                             "finish.</error></testcase>\n",
-                            unfinished) &&
-            m_isComplete;
+        m_record.clear();
+        appendCase(m_record, test);
+        m_record += "><error type=\"unfinished\">The test did not finish.</error></testcase>\n";
+        m_isComplete = m_xml.addForNow(m_record, unfinished) && m_isComplete;
     }
     m_unfinished.push_back(unfinished);
 }
@@ -168,10 +187,11 @@ void CJUnitReport::endTest(Test const& test, TestOutcome const& outcome)
     if (isReported)
     {
         ++m_counts.tests;
-        m_isComplete =
-            m_xml.add(openCase(test) + attribute("time", formatSeconds(outcome.elapsed)) +
-                      verdict(test, outcome)) &&
-            m_isComplete;
+        m_record.clear();
+        appendCase(m_record, test);
+        appendAttribute(m_record, "time", formatSeconds(outcome.elapsed));
+        m_record += verdict(test, outcome);
+        m_isComplete = m_xml.add(m_record) && m_isComplete;
     }
     m_xml.hide(unfinished);
 }
@@ -185,9 +205,7 @@ std::string CJUnitReport::verdict(Test const& test, TestOutcome const& outcome)
         return "/>\n";
     case TestOutcome::Failed:
         ++m_counts.failures;
-        return "><failure" + attribute("type", "failed") +
-               attribute("message", firstLine(outcome.message)) + ">" +
-               xmlText(textOf(*test.info, outcome)) + "</failure>" + end;
+        return failed(outcome, textOf(*test.info, outcome)) + end;
     case TestOutcome::Aborted:
         ++m_counts.skipped;
         return ">" + skipped("aborted", toUtf8(outcome.reason)) + end;
@@ -202,9 +220,10 @@ void CJUnitReport::filterTest(Test const& test, Filter filter)
 {
     ++m_counts.tests;
     ++m_counts.skipped;
-    m_isComplete = m_xml.add(openCase(test) + attribute("time", "0") + ">" +
-                             skipped("filtered", describe(filter)) + "</testcase>\n") &&
-                   m_isComplete;
+    m_record.clear();
+    appendCase(m_record, test);
+    m_record += " time=\"0\">" + skipped("filtered", describe(filter)) + "</testcase>\n";
+    m_isComplete = m_xml.add(m_record) && m_isComplete;
 }
 
 } // namespace qix

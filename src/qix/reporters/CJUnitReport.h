@@ -41,7 +41,7 @@ private:
     std::string head(std::string const& counts) const;
     std::string unfinishedRun() const;
     std::string formatCounts() const;
-    std::string openCase(Test const& test) const;
+    void appendCase(std::string& xml, Test const& test) const;
     std::string verdict(Test const& test, TestOutcome const& outcome);
 
     JUnitSchema m_schema;
@@ -51,7 +51,8 @@ private:
     std::unique_ptr<ILiveFile> m_file;
     CLiveXml m_xml;
     std::vector<CLiveXml::Record> m_unfinished; ///< of the tests that are running, 0 for a group
-    bool m_isComplete;                          ///< so far
+    std::string m_record;
+    bool m_isComplete; ///< so far
 };
 
 } // namespace qix

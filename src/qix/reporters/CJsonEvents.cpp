@@ -153,7 +153,9 @@ void CJsonEvents::beginEvent(char const* event)
 void CJsonEvents::endEvent()
 {
     m_writer.endObject();
-    m_file.append(m_writer.take() + '\n');
+    m_writer.moveTo(m_line);
+    m_line += '\n';
+    m_file.append(m_line);
 }
 
 void CJsonEvents::writeText(char const* key, std::string_view text)

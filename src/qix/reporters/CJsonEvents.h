@@ -35,6 +35,7 @@ private:
 
     CAppendedFile m_file;
     CJsonWriter m_writer;
+    std::string m_line;
     std::chrono::steady_clock::time_point m_begin;
 };
 

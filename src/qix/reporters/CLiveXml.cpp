@@ -14,7 +14,7 @@ constexpr std::size_t openerSize = opener.size() + 1;
 constexpr std::string_view closer = " ?>";
 constexpr char const hiding = ' ';
 constexpr char const showing = '>';
-constexpr std::size_t leastRoom = 65536;
+constexpr std::size_t leastRoom = 4096;
 
 } // namespace
 
@@ -40,7 +40,8 @@ bool CLiveXml::add(std::string_view record)
     {
         return false;
     }
-    m_file.write(m_next + openerSize, std::string(record) + std::string(opener));
+    m_written.assign(record).append(opener);
+    m_file.write(m_next + openerSize, m_written);
     m_file.set(m_next + opener.size(), showing);
     m_next += openerSize + record.size();
     return true;

@@ -60,6 +60,7 @@ private:
     std::size_t m_end = 0;  ///< behind its blanks
     std::size_t m_lastRecord = 0;
     std::vector<Mark> m_marks; ///< in the order of their positions
+    std::string m_written;
     bool m_isUsable = false;
 };
 

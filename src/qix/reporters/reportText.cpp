@@ -29,6 +29,10 @@ std::size_t characterBefore(std::string const& text, std::size_t position)
 std::string toUtf8(zel::String const& text)
 {
     static wxMBConvUTF8 const utf8;
+    if (text.empty())
+    {
+        return std::string();
+    }
     return text.toEncodingSafe(utf8, nullptr);
 }
 

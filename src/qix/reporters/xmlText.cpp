@@ -2,6 +2,7 @@
 
 #include "text/utf8.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace qix
@@ -29,19 +30,15 @@ bool isForbidden(char32_t code) noexcept
 
 /// True for what means the same everywhere in a document. A line end is no blank in an attribute,
 /// and a question mark may close the instruction that hides a record.
-bool isPlain(char32_t code) noexcept
+constexpr bool isPlainByte(char byte) noexcept
 {
-    constexpr std::string_view marks = "<>&\"'?";
-    return code >= 0x20 && code < 0x7F && marks.find(static_cast<char>(code)) == marks.npos;
+    return byte >= 0x20 && byte < 0x7F && byte != '<' && byte != '>' && byte != '&' &&
+           byte != '"' && byte != '\'' && byte != '?';
 }
 
 void append(std::string& xml, char32_t code)
 {
-    if (isPlain(code))
-    {
-        xml += static_cast<char>(code);
-    }
-    else if (isForbidden(code))
+    if (isForbidden(code))
     {
         xml += "[NON-XML-CHAR-0x" + inHexadecimal(code) + "]";
     }
@@ -51,27 +48,31 @@ void append(std::string& xml, char32_t code)
     }
 }
 
+/// Adds what stands for the first character, or for a byte that is none, and tells its size.
+std::size_t appendFirst(std::string& xml, std::string_view text)
+{
+    Utf8Character const character = utf8CharacterAt(text, 0);
+    if (character.size == 0)
+    {
+        xml += "[NON-UTF-8-BYTE-0x" + inHexadecimal(static_cast<unsigned char>(text[0])) + "]";
+        return 1;
+    }
+    append(xml, character.code);
+    return character.size;
+}
+
 } // namespace
 
-std::string xmlText(std::string_view text)
+void appendXmlText(std::string& xml, std::string_view text)
 {
-    std::string xml;
-    for (std::size_t position = 0; position < text.size();)
+    while (!text.empty())
     {
-        Utf8Character const character = utf8CharacterAt(text, position);
-        if (character.size == 0)
-        {
-            xml += "[NON-UTF-8-BYTE-0x" +
-                   inHexadecimal(static_cast<unsigned char>(text[position])) + "]";
-            ++position;
-        }
-        else
-        {
-            append(xml, character.code);
-            position += character.size;
-        }
+        auto const special = std::find_if_not(text.begin(), text.end(), isPlainByte);
+        auto const plain = static_cast<std::size_t>(special - text.begin());
+        xml += text.substr(0, plain);
+        text.remove_prefix(plain);
+        text.remove_prefix(text.empty() ? 0 : appendFirst(xml, text));
     }
-    return xml;
 }
 
 } // namespace qix

@@ -178,9 +178,9 @@ CRunEvents::Running* CRunEvents::find(ITestRunner const* runner, std::size_t dep
 void CRunEvents::endInnermost()
 {
     auto const now = std::chrono::steady_clock::now();
-    Running const running = std::move(m_running.back());
+    Running running = std::move(m_running.back());
     m_running.pop_back();
-    TestOutcome outcome = running.outcome ? *running.outcome : lostOutcome();
+    TestOutcome outcome = running.outcome ? std::move(*running.outcome) : lostOutcome();
     outcome.elapsed = now - running.start;
     tell(CListeners::get().getSnapshot(), running.lastListener,
          [&](ITestListener& listener) { listener.onTestEnd(running.info, outcome); });

@@ -2,6 +2,7 @@
 
 #include "text/utf8.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qix
@@ -11,6 +12,13 @@ namespace
 {
 
 constexpr std::string_view markOfByte = "[NON-UTF-8-BYTE-0x";
+
+/// True for what stands for itself in a text; a bracket may begin a mark.
+constexpr bool isPlain(char character) noexcept
+{
+    return character >= 0x20 && character < 0x7F && character != '"' && character != '\\' &&
+           character != '[';
+}
 
 void appendHexadecimal(std::string& text, unsigned char byte)
 {
@@ -91,8 +99,9 @@ void CJsonWriter::end(char bracket)
 void CJsonWriter::key(std::string_view name)
 {
     separate();
-    appendQuoted(name);
-    m_text += ':';
+    m_text += '"';
+    m_text += name;
+    m_text += "\":";
     m_needsComma = false;
 }
 
@@ -128,12 +137,23 @@ std::string CJsonWriter::take()
     return std::exchange(m_text, std::string());
 }
 
+void CJsonWriter::moveTo(std::string& text)
+{
+    text.clear();
+    text.swap(m_text);
+    m_needsComma = false;
+}
+
 void CJsonWriter::appendQuoted(std::string_view text)
 {
     m_text += '"';
     while (!text.empty())
     {
-        text.remove_prefix(appendFirst(m_text, text));
+        auto const special = std::find_if_not(text.begin(), text.end(), isPlain);
+        auto const plain = static_cast<std::size_t>(special - text.begin());
+        m_text += text.substr(0, plain);
+        text.remove_prefix(plain);
+        text.remove_prefix(text.empty() ? 0 : appendFirst(m_text, text));
     }
     m_text += '"';
 }

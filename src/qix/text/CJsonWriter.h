@@ -20,7 +20,7 @@ public:
     void beginArray() { begin('['); }
     void endArray() { end(']'); }
 
-    /// The name of the value that follows.
+    /// The name of the value that follows: letters and digits.
     void key(std::string_view name);
 
     /// A text. A byte that is no valid UTF-8 becomes "[NON-UTF-8-BYTE-0xFF]", so that it can be
@@ -40,6 +40,10 @@ public:
 
     /// The same, which is taken out: the writer begins anew.
     std::string take();
+
+    /// The same. Both texts keep their memory, so that nothing is taken from the heap when this is
+    /// repeated.
+    void moveTo(std::string& text);
 
 private:
     void begin(char bracket);
