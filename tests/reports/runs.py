@@ -185,7 +185,7 @@ def check_killed(suite, folder, kills):
             continue
         data = report.read_bytes()
         wrong = mistake(data, schema)
-        expect(not wrong, f'{wrong}: {data!r}')
+        expect(not wrong, f'{wrong}: {data[-5000:]!r}')
         seen = events_of(events)
         check_events(seen, 100)
         whole_run, *unfinished = unfinished_tests(data) or [None]
