@@ -1,4 +1,5 @@
 // Tests that crash, each in another way.
+#include <qix/CConsoleTestRunner.h>
 #include <qix/CTestItem.h>
 #include <qix/CTestItemGroup.h>
 #include <qix/ITestItemFactory.h>
@@ -7,6 +8,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -181,6 +183,17 @@ QIX_TEST(Crash, inSubTests)
 {
     qix::subTest("first row", [] { QIX_CHECK(true); });
     qix::subTest("second row", [] { qix::subTest("third cell", [] { std::abort(); }); });
+}
+
+QIX_TEST(Crash, inRunOfItsOwn)
+{
+    auto const root = zel::newObj<qix::CTestItemGroup>("");
+    root->addSubItem(zel::newObj<CAbortingTest>("inner"));
+    std::filesystem::create_directory("inside");
+    std::filesystem::current_path("inside");
+    qix::CConsoleTestRunner runner(root.get());
+    runner.toggleAll();
+    runner.go();
 }
 
 QIX_TEST(Crash, behindThrows)

@@ -1,4 +1,5 @@
 // A suite of many small tests, and some that fail in each way.
+#include <qix/CConsoleTestRunner.h>
 #include <qix/CTestItem.h>
 #include <qix/CTestItemGroup.h>
 #include <qix/log.h>
@@ -7,6 +8,7 @@
 
 #include <zel/P.h>
 
+#include <filesystem>
 #include <string>
 
 namespace
@@ -43,6 +45,21 @@ struct ManyTestsAdded
 
 ManyTestsAdded const manyTestsAdded;
 
+/// A run inside a test, in a folder of its own, since each run has a log.
+bool runInside(zel::P<qix::ITestItem> const& item)
+{
+    auto const root = zel::newObj<qix::CTestItemGroup>("");
+    root->addSubItem(item);
+    std::filesystem::path const folder = std::filesystem::current_path();
+    std::filesystem::create_directory("inside");
+    std::filesystem::current_path("inside");
+    qix::CConsoleTestRunner runner(root.get());
+    runner.toggleAll();
+    bool const passed = runner.go();
+    std::filesystem::current_path(folder);
+    return passed;
+}
+
 } // namespace
 
 QIX_TEST(Results, passes)
@@ -61,6 +78,11 @@ QIX_TEST(Results, talksALot)
 {
     qix::log(std::string(200000, 'o') + "\xff\x01");
     QIX_FAIL(std::string(100000, 'm') + "\xff\x01\xEF\xBF\xBE ]]>");
+}
+
+QIX_TEST(Results, runsTestsItself)
+{
+    QIX_CHECK(runInside(zel::newObj<CNumberedTest>(-1)));
 }
 
 QIX_TEST(Results, isSkipped)

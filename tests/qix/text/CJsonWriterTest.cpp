@@ -14,6 +14,17 @@ std::string quoted(std::string_view text)
     return writer.text();
 }
 
+TEST(CJsonWriter, movesItsTextAndBeginsAnew)
+{
+    CJsonWriter writer;
+    std::string text = "before";
+    writer.value("first");
+    writer.moveTo(text);
+    EXPECT_EQ(text, "\"first\"");
+    writer.value("second");
+    EXPECT_EQ(writer.text(), "\"second\"");
+}
+
 TEST(CJsonWriter, separatesValues)
 {
     CJsonWriter writer;
