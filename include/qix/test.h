@@ -7,7 +7,9 @@
 #include <qix/CTestScope.h>
 #include <qix/approx.h>
 #include <qix/attributes.h>
+#include <qix/detail/attempt.h>
 #include <qix/detail/check.h>
+#include <qix/detail/failure.h>
 #include <qix/detail/macros.h>
 #include <qix/detail/registration.h>
 #include <qix/log.h>
@@ -21,45 +23,51 @@
 /// Checks may stand in functions that a test calls, and on threads that it has started; what
 /// fails there counts for the innermost sub-test that is running. A check that fails while no
 /// test is running throws CTestFailedException. A passing check allocates nothing.
-#define QIX_CHECK(...) QIX_DETAIL_CHECK(noteFailure, "QIX_CHECK(" #__VA_ARGS__ ")", __VA_ARGS__)
+///
+/// A message may follow behind each of the checks, and is evaluated only when that has failed:
+/// `QIX_CHECK(a == b) << "for " << name`. Whatever has a `<<` for streams or can be shown by a
+/// failed check can be a part of it.
+#define QIX_CHECK(...) QIX_DETAIL_CHECK(notesFailure, "QIX_CHECK(" #__VA_ARGS__ ")", __VA_ARGS__)
 
 /// Checks that the expression is true, as QIX_CHECK does. A failure ends the test, or the
 /// sub-test around it, by throwing CTestFailedException. On a thread of the test's own it is
 /// thrown there: catch it at the end of the thread, the failure has been noted.
-#define QIX_REQUIRE(...)                                                                           \
-    QIX_DETAIL_CHECK(failRequirement, "QIX_REQUIRE(" #__VA_ARGS__ ")", __VA_ARGS__)
+#define QIX_REQUIRE(...) QIX_DETAIL_CHECK(endsTest, "QIX_REQUIRE(" #__VA_ARGS__ ")", __VA_ARGS__)
 
 /// Checks that evaluating the expression throws something. A failure is noted.
 #define QIX_CHECK_THROWS(...)                                                                      \
-    QIX_DETAIL_CHECK_THROWS(noteFailure, "QIX_CHECK_THROWS(" #__VA_ARGS__ ")", __VA_ARGS__)
+    QIX_DETAIL_CHECK_THROWS(notesFailure, "QIX_CHECK_THROWS(" #__VA_ARGS__ ")", __VA_ARGS__)
 
 /// Checks that evaluating the expression throws something. A failure ends the test.
 #define QIX_REQUIRE_THROWS(...)                                                                    \
-    QIX_DETAIL_CHECK_THROWS(failRequirement, "QIX_REQUIRE_THROWS(" #__VA_ARGS__ ")", __VA_ARGS__)
+    QIX_DETAIL_CHECK_THROWS(endsTest, "QIX_REQUIRE_THROWS(" #__VA_ARGS__ ")", __VA_ARGS__)
 
 /// Checks that evaluating the expression throws an exception of the type that follows, or of one
 /// derived from it. An expression with commas needs parentheses. A failure is noted.
 #define QIX_CHECK_THROWS_AS(expression, ...)                                                       \
-    QIX_DETAIL_CHECK_THROWS_AS(noteFailure,                                                        \
+    QIX_DETAIL_CHECK_THROWS_AS(notesFailure,                                                       \
                                "QIX_CHECK_THROWS_AS(" #expression ", " #__VA_ARGS__ ")",           \
                                expression, __VA_ARGS__)
 
 /// Checks the type of what is thrown, as QIX_CHECK_THROWS_AS does. A failure ends the test.
 #define QIX_REQUIRE_THROWS_AS(expression, ...)                                                     \
-    QIX_DETAIL_CHECK_THROWS_AS(failRequirement,                                                    \
+    QIX_DETAIL_CHECK_THROWS_AS(endsTest,                                                           \
                                "QIX_REQUIRE_THROWS_AS(" #expression ", " #__VA_ARGS__ ")",         \
                                expression, __VA_ARGS__)
 
 /// Checks that evaluating the expression throws nothing. A failure is noted.
 #define QIX_CHECK_NOTHROW(...)                                                                     \
-    QIX_DETAIL_CHECK_NOTHROW(noteFailure, "QIX_CHECK_NOTHROW(" #__VA_ARGS__ ")", __VA_ARGS__)
+    QIX_DETAIL_CHECK_NOTHROW(notesFailure, "QIX_CHECK_NOTHROW(" #__VA_ARGS__ ")", __VA_ARGS__)
 
 /// Checks that evaluating the expression throws nothing. A failure ends the test.
 #define QIX_REQUIRE_NOTHROW(...)                                                                   \
-    QIX_DETAIL_CHECK_NOTHROW(failRequirement, "QIX_REQUIRE_NOTHROW(" #__VA_ARGS__ ")", __VA_ARGS__)
+    QIX_DETAIL_CHECK_NOTHROW(endsTest, "QIX_REQUIRE_NOTHROW(" #__VA_ARGS__ ")", __VA_ARGS__)
+
+/// Notes a failure with the message. The test goes on and fails at its end.
+#define QIX_NOTE_FAILURE(message) QIX_DETAIL_FAIL(notesFailure, message)
 
 /// Ends the test, which fails with the message.
-#define QIX_FAIL(message) ::qix::detail::fail(__FILE__, __LINE__, message)
+#define QIX_FAIL(message) QIX_DETAIL_FAIL(endsTest, message)
 
 /// Ends the test, which does not apply here. QIX_SKIP(reason) tells why, which goes to the log
 /// file.

@@ -21,27 +21,6 @@ class String;
 namespace qix::detail
 {
 
-/// Something that can be described later, and which it does not own.
-struct ValueRef
-{
-    using Describe = void(CValueWriter& out, void const* object);
-
-    /// \param o  may be volatile: \p d knows its type
-    ValueRef(void const volatile* o, Describe* d) noexcept
-        : object(const_cast<void const*>(o)), describe(d)
-    {
-    }
-
-    void const* object;
-    Describe* describe;
-};
-
-template <typename T>
-void describeValue(CValueWriter& out, void const* object)
-{
-    describe(out, *static_cast<T const*>(object));
-}
-
 /// Writes what a pointer or an array is compared by. Behind it there may be no text.
 template <typename T>
 void describeAsAddress(CValueWriter& out, void const* object)
@@ -68,39 +47,17 @@ QIX_EXPORT void captureOperands(ValueRef left, char const* comparison, ValueRef 
 /// Keeps the value that is false for the message of its check.
 QIX_EXPORT void captureOperand(ValueRef value);
 
-/// Notes that a check has failed, together with the values that were kept. Throws when no test is
-/// running.
-QIX_EXPORT void noteFailure(char const* file, int line, char const* check);
-
-/// Notes that a check has failed, and leaves the test.
-[[noreturn]] QIX_EXPORT void failRequirement(char const* file, int line, char const* check);
-
 /// Keeps what the exception being handled tells for the message of its check.
 QIX_EXPORT void captureException();
 
 /// Keeps for the message of its check that nothing was thrown.
 QIX_EXPORT void captureNothingThrown();
 
-[[noreturn]] QIX_EXPORT void failWithBytes(char const* file, int line, std::string_view message);
-[[noreturn]] QIX_EXPORT void failWithText(char const* file, int line, zel::String const& message);
 [[noreturn]] QIX_EXPORT void skip();
 [[noreturn]] QIX_EXPORT void skipWithBytes(std::string_view reason);
 [[noreturn]] QIX_EXPORT void skipWithText(zel::String const& reason);
 [[noreturn]] QIX_EXPORT void abortWithBytes(std::string_view message);
 [[noreturn]] QIX_EXPORT void abortWithText(zel::String const& message);
-
-template <typename T>
-[[noreturn]] void fail(char const* file, int line, T const& message)
-{
-    if constexpr (isNarrowText<T>)
-    {
-        failWithBytes(file, line, viewOf(message));
-    }
-    else
-    {
-        failWithText(file, line, message);
-    }
-}
 
 template <typename T>
 [[noreturn]] void skip(T const& reason)

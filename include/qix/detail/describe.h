@@ -473,6 +473,27 @@ void describe(CValueWriter& out, T const& value)
     }
 }
 
+/// Something that can be described later, and which it does not own.
+struct ValueRef
+{
+    using Describe = void(CValueWriter& out, void const* object);
+
+    /// \param o  may be volatile: \p d knows its type
+    ValueRef(void const volatile* o, Describe* d) noexcept
+        : object(const_cast<void const*>(o)), describe(d)
+    {
+    }
+
+    void const* object;
+    Describe* describe;
+};
+
+template <typename T>
+void describeValue(CValueWriter& out, void const* object)
+{
+    describe(out, *static_cast<T const*>(object));
+}
+
 } // namespace qix::detail
 
 namespace qix

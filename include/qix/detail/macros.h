@@ -14,14 +14,32 @@
 #define QIX_DETAIL_TAKE_APART(...) (::qix::detail::CDecomposer() << __VA_ARGS__)
 #endif
 
-#define QIX_DETAIL_CHECK(onFailure, text, ...)                                                     \
-    (::qix::detail::holds(QIX_DETAIL_TAKE_APART(__VA_ARGS__))                                      \
-         ? ::qix::detail::notePassedCheck(__FILE__, __LINE__)                                      \
-         : ::qix::detail::onFailure(__FILE__, __LINE__, text))
+#define QIX_DETAIL_FAILURE(Ending, text)                                                           \
+    ::qix::detail::Ending& ::qix::detail::failedCheck(__FILE__, __LINE__, text)
+
+// The message stands behind all of it, and is evaluated only where the last operand is.
+#define QIX_DETAIL_CHECK(Ending, text, ...)                                                        \
+    ::qix::detail::holds(QIX_DETAIL_TAKE_APART(__VA_ARGS__))                                       \
+        ? ::qix::detail::notePassedCheck(__FILE__, __LINE__)                                       \
+        : QIX_DETAIL_FAILURE(Ending, text)
+
+#define QIX_DETAIL_FAIL(Ending, message) QIX_DETAIL_FAILURE(Ending, nullptr) << (message)
+
+// Begins a loop that tries a statement, and goes round once more for the message of the failure,
+// which stands behind all of it.
+#define QIX_DETAIL_BEGIN_ATTEMPT                                                                   \
+    for (::qix::detail::CAttempt qixAttempt; qixAttempt.goesOn();)                                 \
+        if (qixAttempt.begins())                                                                   \
+        {
+
+#define QIX_DETAIL_END_ATTEMPT(Ending, text)                                                       \
+    qixAttempt.end(__FILE__, __LINE__);                                                            \
+    }                                                                                              \
+    else QIX_DETAIL_FAILURE(Ending, text)
 
 // Tries the statement of a check of what is thrown: neither its value nor its variables are used.
+// clang++ loses these pragmas where the check itself stands in an argument of another macro.
 #define QIX_DETAIL_TRY(...)                                                                        \
-    bool qixThrew = true;                                                                          \
     _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wunused-variable\"")         \
         _Pragma("GCC diagnostic ignored \"-Wunused-value\"")                                       \
             _Pragma("GCC diagnostic ignored \"-Wunused-result\"")                                  \
@@ -30,7 +48,7 @@
         {                                                                                          \
             __VA_ARGS__;                                                                           \
         }                                                                                          \
-        qixThrew = false;                                                                          \
+        qixAttempt.setReturned();                                                                  \
     }
 
 // Handles what else the statement throws. What ends a cancelled thread is no exception.
@@ -45,60 +63,28 @@
     }                                                                                              \
     _Pragma("GCC diagnostic pop")
 
-#define QIX_DETAIL_CHECK_THROWS(onFailure, text, ...)                                              \
-    do                                                                                             \
-    {                                                                                              \
-        QIX_DETAIL_TRY(__VA_ARGS__)                                                                \
-        QIX_DETAIL_CATCH(static_cast<void>(0))                                                     \
-        if (!qixThrew)                                                                             \
-        {                                                                                          \
-            ::qix::detail::captureNothingThrown();                                                 \
-            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
-        }                                                                                          \
-        else                                                                                       \
-        {                                                                                          \
-            ::qix::detail::notePassedCheck(__FILE__, __LINE__);                                    \
-        }                                                                                          \
-    } while (false)
+#define QIX_DETAIL_CHECK_THROWS(Ending, text, ...)                                                 \
+    QIX_DETAIL_BEGIN_ATTEMPT                                                                       \
+    QIX_DETAIL_TRY(__VA_ARGS__)                                                                    \
+    QIX_DETAIL_CATCH(static_cast<void>(0))                                                         \
+    qixAttempt.expectThrown();                                                                     \
+    QIX_DETAIL_END_ATTEMPT(Ending, text)
 
-#define QIX_DETAIL_CHECK_THROWS_AS(onFailure, text, statement, ...)                                \
-    do                                                                                             \
+#define QIX_DETAIL_CHECK_THROWS_AS(Ending, text, statement, ...)                                   \
+    QIX_DETAIL_BEGIN_ATTEMPT                                                                       \
+    QIX_DETAIL_TRY(statement)                                                                      \
+    catch (__VA_ARGS__ const&)                                                                     \
     {                                                                                              \
-        bool qixHolds = false;                                                                     \
-        QIX_DETAIL_TRY(statement)                                                                  \
-        catch (__VA_ARGS__ const&)                                                                 \
-        {                                                                                          \
-            qixHolds = true;                                                                       \
-        }                                                                                          \
-        QIX_DETAIL_CATCH(::qix::detail::captureException())                                        \
-        if (!qixThrew)                                                                             \
-        {                                                                                          \
-            ::qix::detail::captureNothingThrown();                                                 \
-        }                                                                                          \
-        if (!qixHolds)                                                                             \
-        {                                                                                          \
-            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
-        }                                                                                          \
-        else                                                                                       \
-        {                                                                                          \
-            ::qix::detail::notePassedCheck(__FILE__, __LINE__);                                    \
-        }                                                                                          \
-    } while (false)
+    }                                                                                              \
+    QIX_DETAIL_CATCH(qixAttempt.failWithException())                                               \
+    qixAttempt.expectThrown();                                                                     \
+    QIX_DETAIL_END_ATTEMPT(Ending, text)
 
-#define QIX_DETAIL_CHECK_NOTHROW(onFailure, text, ...)                                             \
-    do                                                                                             \
-    {                                                                                              \
-        QIX_DETAIL_TRY(__VA_ARGS__)                                                                \
-        QIX_DETAIL_CATCH(::qix::detail::captureException())                                        \
-        if (qixThrew)                                                                              \
-        {                                                                                          \
-            ::qix::detail::onFailure(__FILE__, __LINE__, text);                                    \
-        }                                                                                          \
-        else                                                                                       \
-        {                                                                                          \
-            ::qix::detail::notePassedCheck(__FILE__, __LINE__);                                    \
-        }                                                                                          \
-    } while (false)
+#define QIX_DETAIL_CHECK_NOTHROW(Ending, text, ...)                                                \
+    QIX_DETAIL_BEGIN_ATTEMPT                                                                       \
+    QIX_DETAIL_TRY(__VA_ARGS__)                                                                    \
+    QIX_DETAIL_CATCH(qixAttempt.failWithException())                                               \
+    QIX_DETAIL_END_ATTEMPT(Ending, text)
 
 #define QIX_DETAIL_JOIN(prefix, suffix) QIX_DETAIL_JOIN_EXPANDED(prefix, suffix)
 #define QIX_DETAIL_JOIN_EXPANDED(prefix, suffix) prefix##suffix

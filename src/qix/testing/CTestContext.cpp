@@ -3,6 +3,7 @@
 #include "guards/posix/CForkGuard.h"
 #include "guards/posix/CForkLock.h"
 #include "model/outcomes.h"
+#include "testing/pendingFailures.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
 
@@ -163,7 +164,15 @@ void CTestContext::noteLocked(CheckFailure const& failure)
     ++m_failureCount;
 }
 
-QIX_CATCHES_FORCED_UNWIND bool CTestContext::tryStep(char const* name, detail::CFunctionRef step)
+bool CTestContext::tryStep(char const* name, detail::CFunctionRef step)
+{
+    std::size_t const outer = countPendingFailures();
+    bool const hasReturned = catchAll(name, step);
+    notePendingFailures(outer);
+    return hasReturned;
+}
+
+QIX_CATCHES_FORCED_UNWIND bool CTestContext::catchAll(char const* name, detail::CFunctionRef step)
 {
     try
     {

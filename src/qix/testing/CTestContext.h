@@ -80,6 +80,7 @@ private:
 
     static CTestContext* current() noexcept;
 
+    bool catchAll(char const* name, detail::CFunctionRef step);
     bool beginSubTest(std::string const& name, SourceLocation const& location);
     bool endSubTest(CTestContext& row);
     void endFailedSubTest(CTestContext const& row);

@@ -238,10 +238,41 @@ QIX_TEST(accepted, statementsThatThrow)
     QIX_CHECK_THROWS(std::vector<int> const copies(1, numbers.at(7)));
     QIX_CHECK_THROWS(numbers.at(7) == 7);
     QIX_CHECK_THROWS(throw 7);
+    QIX_CHECK_NOTHROW(1 + 1);
     QIX_CHECK_NOTHROW(int const x = 7);
     QIX_CHECK_NOTHROW(answer());
     QIX_CHECK_NOTHROW(nothing());
     QIX_REQUIRE_NOTHROW(std::vector<int>(7));
+}
+
+QIX_TEST(accepted, messages)
+{
+    std::map<int, int> const numbers = {{1, 2}};
+    Flags const flags = {};
+    int const* const pointer = nullptr;
+    if (pointer == nullptr)
+        QIX_CHECK(answer() == 42) << "why " << answer() << flags.low << 'c' << 0.5 << pointer;
+    else
+        QIX_REQUIRE(answer() == 42) << std::string("text") << std::endl << std::hex << 7;
+    for (auto const& [key, value] : numbers)
+        QIX_CHECK_THROWS_AS(numbers.at(value), std::out_of_range) << key << ": " << CValue(value);
+    if (pointer != nullptr)
+        QIX_CHECK_NOTHROW(answer()) << L"text" << numbers << &nothing << nullptr;
+    else
+        QIX_CHECK_THROWS(throw 7) << Judged{7} << true << 7u << 7L << 0.5f;
+    if (pointer != nullptr)
+        QIX_FAIL("text ") << 7;
+    else if (flags.high != 0)
+        QIX_NOTE_FAILURE("text ") << CMoveOnly(7);
+}
+
+inline int endsInAFailure(bool returns)
+{
+    if (returns)
+    {
+        return 7;
+    }
+    QIX_FAIL("text") << 7;
 }
 
 QIX_TEST(accepted, functions)

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <qix/detail/check.h>
+#include <qix/detail/passedCheck.h>
+
+namespace qix::detail
+{
+
+/// One evaluation of the statement in a check of what is thrown: a loop that goes round again for
+/// the message when it failed.
+class CAttempt
+{
+public:
+    /// True before the statement, and once more when the check has failed.
+    bool goesOn() const noexcept { return !m_hasBegun || m_hasFailed; }
+
+    /// True for the statement, false for the message.
+    bool begins() noexcept
+    {
+        bool const isFirst = !m_hasBegun;
+        m_hasBegun = true;
+        m_hasFailed = false;
+        return isFirst;
+    }
+
+    /// Tells that the statement has thrown nothing.
+    void setReturned() noexcept { m_hasReturned = true; }
+
+    /// Fails unless something was thrown.
+    void expectThrown()
+    {
+        if (m_hasReturned)
+        {
+            captureNothingThrown();
+            m_hasFailed = true;
+        }
+    }
+
+    /// Fails with the exception that is being handled.
+    void failWithException()
+    {
+        captureException();
+        m_hasFailed = true;
+    }
+
+    /// Ends the attempt in front of the message.
+    void end(char const* file, int line) const noexcept
+    {
+        if (!m_hasFailed)
+        {
+            notePassedCheck(file, line);
+        }
+    }
+
+private:
+    bool m_hasBegun = false;
+    bool m_hasReturned = false;
+    bool m_hasFailed = false;
+};
+
+} // namespace qix::detail

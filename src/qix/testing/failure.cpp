@@ -1,0 +1,155 @@
+#include <qix/CTestFailedException.h>
+#include <qix/CheckFailure.h>
+#include <qix/detail/failure.h>
+#include <qix/noteFailure.h>
+
+#include "testing/CTestContext.h"
+#include "testing/keptText.h"
+#include "testing/pendingFailures.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qix
+{
+
+namespace
+{
+
+class CPendingFailure : public detail::CFailedCheck
+{
+public:
+    explicit CPendingFailure(CheckFailure failure) : m_failure(std::move(failure)) {}
+
+    detail::CMessageWriter& message()
+    {
+        if (!m_message)
+        {
+            m_message.emplace();
+        }
+        return *m_message;
+    }
+
+    /// The failure with its message.
+    CheckFailure complete() const
+    {
+        CheckFailure failure = m_failure;
+        std::string const text = m_message ? m_message->written() : "";
+        failure.values += failure.values.empty() || text.empty() ? "" : "\n";
+        failure.values += text;
+        failure.values.erase(failure.values.find_last_not_of('\n') + 1);
+        return failure;
+    }
+
+private:
+    CheckFailure m_failure;
+    std::optional<detail::CMessageWriter> m_message = {};
+};
+
+/// Those on a thread: the last one is the innermost, in a function that the message of the one in
+/// front of it calls.
+class CPendingFailures
+{
+public:
+    CPendingFailures() = default;
+    CPendingFailures(CPendingFailures const&) = delete;
+    CPendingFailures& operator=(CPendingFailures const&) = delete;
+    ~CPendingFailures() { noteFrom(0); }
+
+    CPendingFailure& begin(CheckFailure failure)
+    {
+        m_failures.push_back(std::make_unique<CPendingFailure>(std::move(failure)));
+        return *m_failures.back();
+    }
+
+    CheckFailure end(detail::CFailedCheck const& failed)
+    {
+        std::size_t i = m_failures.size() - 1;
+        while (m_failures[i].get() != &failed)
+        {
+            --i;
+        }
+        CheckFailure failure = m_failures[i]->complete();
+        m_failures.erase(m_failures.begin() + static_cast<std::ptrdiff_t>(i));
+        return failure;
+    }
+
+    std::size_t count() const noexcept { return m_failures.size(); }
+
+    void noteFrom(std::size_t first)
+    {
+        for (std::size_t i = first; i < m_failures.size(); ++i)
+        {
+            CTestContext::noteInCurrent(m_failures[i]->complete());
+        }
+        m_failures.resize(first);
+    }
+
+private:
+    std::vector<std::unique_ptr<CPendingFailure>> m_failures = {};
+};
+
+thread_local CPendingFailures pendingFailures;
+
+void noteOrThrow(CheckFailure failure)
+{
+    if (CTestContext::noteInCurrent(failure))
+    {
+        return;
+    }
+    bool const isBelow = !failure.check.empty() && failure.values.empty();
+    failure.values += isBelow ? "" : "\n";
+    failure.values += "outside of any running test";
+    throw CTestFailedException({failure});
+}
+
+} // namespace
+
+std::size_t countPendingFailures() noexcept
+{
+    return pendingFailures.count();
+}
+
+void notePendingFailures(std::size_t outer)
+{
+    pendingFailures.noteFrom(outer);
+}
+
+void noteFailure(char const* file, int line, std::string_view message)
+{
+    noteOrThrow(
+        CPendingFailure({file == nullptr ? "" : file, line, "", std::string(message)}).complete());
+}
+
+namespace detail
+{
+
+CMessageWriter& CFailedCheck::message()
+{
+    return static_cast<CPendingFailure&>(*this).message();
+}
+
+CFailedCheck& failedCheck(char const* file, int line, char const* check)
+{
+    return pendingFailures.begin({file, line, check == nullptr ? "" : check, takeKeptText()});
+}
+
+void operator&(NotesFailure, CFailedCheck& failed)
+{
+    noteOrThrow(pendingFailures.end(failed));
+}
+
+void operator&(EndsTest, CFailedCheck& failed)
+{
+    CheckFailure const failure = pendingFailures.end(failed);
+    noteOrThrow(failure);
+    throw CRequirementFailedException({failure});
+}
+
+} // namespace detail
+
+} // namespace qix
