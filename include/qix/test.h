@@ -10,6 +10,7 @@
 #include <qix/detail/attempt.h>
 #include <qix/detail/check.h>
 #include <qix/detail/failure.h>
+#include <qix/detail/info.h>
 #include <qix/detail/macros.h>
 #include <qix/detail/registration.h>
 #include <qix/log.h>
@@ -68,6 +69,17 @@
 
 /// Ends the test, which fails with the message.
 #define QIX_FAIL(message) QIX_DETAIL_FAIL(endsTest, message)
+
+/// Tells what a failure, or an exception that leaves the scope, is to be read with:
+/// `QIX_INFO("row " << i)`. All that stand in scopes around a failed check on the same thread are
+/// told, the innermost last. Allocates nothing as long as nothing fails: the text is made then, of
+/// the values that the variables have then, except for numbers and pointers, which are copied. Of
+/// what is computed for it the result is kept, as text where it may refer to something else.
+#define QIX_INFO(...) QIX_DETAIL_INFO(__VA_ARGS__)
+
+/// Tells the values of expressions with their source texts, each on a line of its own, as QIX_INFO
+/// does: `QIX_CAPTURE(i, name.size())`.
+#define QIX_CAPTURE(...) QIX_DETAIL_CAPTURE(#__VA_ARGS__, __VA_ARGS__)
 
 /// Ends the test, which does not apply here. QIX_SKIP(reason) tells why, which goes to the log
 /// file.

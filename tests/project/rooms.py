@@ -40,7 +40,7 @@ PUBLIC = {
              'detail/narrowText'],
     'guards': ['detail/passedCheck'],
     'runner': ['CConsoleTestRunner'],
-    'testing': ['CTestItem', 'CTestScope', 'detail/failure',
+    'testing': ['CTestItem', 'CTestScope', 'detail/failure', 'detail/info',
                 'detail/subTest', 'log', 'noteFailure', 'subTest'],
     'checks': ['approx', 'detail/attempt', 'detail/check', 'hidden'],
     'registration': ['attributes', 'detail/registration'],

@@ -50,6 +50,9 @@ QIX_EXPORT void captureOperand(ValueRef value);
 /// Keeps what the exception being handled tells for the message of its check.
 QIX_EXPORT void captureException();
 
+/// Forgets what an exception that was expected has taken along.
+QIX_EXPORT void forgetException() noexcept;
+
 /// Keeps for the message of its check that nothing was thrown.
 QIX_EXPORT void captureNothingThrown();
 

@@ -66,7 +66,7 @@
 #define QIX_DETAIL_CHECK_THROWS(Ending, text, ...)                                                 \
     QIX_DETAIL_BEGIN_ATTEMPT                                                                       \
     QIX_DETAIL_TRY(__VA_ARGS__)                                                                    \
-    QIX_DETAIL_CATCH(static_cast<void>(0))                                                         \
+    QIX_DETAIL_CATCH(::qix::detail::forgetException())                                             \
     qixAttempt.expectThrown();                                                                     \
     QIX_DETAIL_END_ATTEMPT(Ending, text)
 
@@ -75,6 +75,7 @@
     QIX_DETAIL_TRY(statement)                                                                      \
     catch (__VA_ARGS__ const&)                                                                     \
     {                                                                                              \
+        ::qix::detail::forgetException();                                                          \
     }                                                                                              \
     QIX_DETAIL_CATCH(qixAttempt.failWithException())                                               \
     qixAttempt.expectThrown();                                                                     \
@@ -85,6 +86,14 @@
     QIX_DETAIL_TRY(__VA_ARGS__)                                                                    \
     QIX_DETAIL_CATCH(qixAttempt.failWithException())                                               \
     QIX_DETAIL_END_ATTEMPT(Ending, text)
+
+#define QIX_DETAIL_INFO(...)                                                                       \
+    ::qix::detail::TInfo const QIX_DETAIL_JOIN(qixInfo_, __COUNTER__)(                             \
+        (::qix::detail::TNoParts<::qix::detail::MessageStyle>(nullptr) << __VA_ARGS__))
+
+#define QIX_DETAIL_CAPTURE(names, ...)                                                             \
+    ::qix::detail::TInfo const QIX_DETAIL_JOIN(qixInfo_, __COUNTER__)(                             \
+        (::qix::detail::TNoParts<::qix::detail::CaptureStyle>(names), __VA_ARGS__))
 
 #define QIX_DETAIL_JOIN(prefix, suffix) QIX_DETAIL_JOIN_EXPANDED(prefix, suffix)
 #define QIX_DETAIL_JOIN_EXPANDED(prefix, suffix) prefix##suffix

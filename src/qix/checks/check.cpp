@@ -2,6 +2,7 @@
 #include <qix/CTestSkippedWithReasonException.h>
 #include <qix/detail/check.h>
 
+#include "testing/infos.h"
 #include "testing/keptText.h"
 #include "text/decodedText.h"
 #include "text/describeSafely.h"
@@ -49,6 +50,11 @@ void captureOperand(ValueRef value)
 void captureException()
 {
     keptText = "it threw " + currentExceptionText();
+}
+
+void forgetException() noexcept
+{
+    forgetLeftInfos();
 }
 
 void captureNothingThrown()

@@ -3,6 +3,7 @@
 #include "guards/posix/CForkGuard.h"
 #include "guards/posix/CForkLock.h"
 #include "model/outcomes.h"
+#include "testing/infos.h"
 #include "testing/pendingFailures.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
@@ -152,7 +153,11 @@ void CTestContext::note(CheckFailure const& failure)
 
 void CTestContext::noteThrown(char const* step, std::string const& what)
 {
-    note({"", 0, "", std::string(step) + " threw " + what});
+    std::string text = std::string(step) + " threw " + what;
+    std::string const infos = infosOfThisThread();
+    m_hasInfos = m_hasInfos || !infos.empty();
+    text += infos.empty() ? "" : "\n" + infos;
+    note({"", 0, "", text});
 }
 
 void CTestContext::noteLocked(CheckFailure const& failure)
@@ -169,6 +174,7 @@ bool CTestContext::tryStep(char const* name, detail::CFunctionRef step)
     std::size_t const outer = countPendingFailures();
     bool const hasReturned = catchAll(name, step);
     notePendingFailures(outer);
+    forgetLeftInfos();
     return hasReturned;
 }
 
@@ -301,7 +307,7 @@ void CTestContext::endFailedSubTest(CTestContext const& row)
 
 bool CTestContext::hasOnlyAnError() const noexcept
 {
-    return m_failureCount == 1 && m_error;
+    return m_failureCount == 1 && m_error && !m_hasInfos;
 }
 
 void CTestContext::finish()

@@ -102,6 +102,7 @@ private:
     std::condition_variable m_useEnded;
     std::vector<CheckFailure> m_failures; ///< those that are listed, in the order of their coming
     std::size_t m_failureCount = 0;
+    bool m_hasInfos = false;         ///< of an exception, which cannot tell them itself
     std::optional<Thrown> m_error;   ///< the first failure that is an exception of the test's own
     std::optional<Thrown> m_outcome; ///< the first exception that tells of a skip or an abort
 };

@@ -3,6 +3,7 @@
 
 #include "guards/posix/CForkLock.h"
 #include "testing/CTestContext.h"
+#include "testing/infos.h"
 #include "text/decodedText.h"
 
 #include <mutex>
@@ -31,6 +32,7 @@ CTestItem::~CTestItem() = default;
 void CTestItem::run(ITestRunner* runner)
 {
     m_logLines.clear();
+    CHiddenInfos const hidden;
     CTestContext run(*this, runner);
     if (run.tryStep("clean", [this] { clean(); }))
     {

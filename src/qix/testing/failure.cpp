@@ -4,6 +4,7 @@
 #include <qix/noteFailure.h>
 
 #include "testing/CTestContext.h"
+#include "testing/infos.h"
 #include "testing/keptText.h"
 #include "testing/pendingFailures.h"
 
@@ -19,6 +20,13 @@ namespace qix
 
 namespace
 {
+
+void addLines(std::string& text, std::string_view lines)
+{
+    lines = lines.substr(0, lines.find_last_not_of('\n') + 1);
+    text += text.empty() || lines.empty() ? "" : "\n";
+    text += lines;
+}
 
 class CPendingFailure : public detail::CFailedCheck
 {
@@ -39,9 +47,8 @@ public:
     {
         CheckFailure failure = m_failure;
         std::string const text = m_message ? m_message->written() : "";
-        failure.values += failure.values.empty() || text.empty() ? "" : "\n";
-        failure.values += text;
-        failure.values.erase(failure.values.find_last_not_of('\n') + 1);
+        addLines(failure.values, text);
+        addLines(failure.values, infosOfThisThread());
         return failure;
     }
 
@@ -121,8 +128,10 @@ void notePendingFailures(std::size_t outer)
 
 void noteFailure(char const* file, int line, std::string_view message)
 {
-    noteOrThrow(
-        CPendingFailure({file == nullptr ? "" : file, line, "", std::string(message)}).complete());
+    CheckFailure const failure = {file == nullptr ? "" : file, line, "", ""};
+    CPendingFailure pending(failure);
+    pending.message().text(message);
+    noteOrThrow(pending.complete());
 }
 
 namespace detail
@@ -141,6 +150,7 @@ CFailedCheck& failedCheck(char const* file, int line, char const* check)
 void operator&(NotesFailure, CFailedCheck& failed)
 {
     noteOrThrow(pendingFailures.end(failed));
+    forgetLeftInfos();
 }
 
 void operator&(EndsTest, CFailedCheck& failed)

@@ -266,6 +266,20 @@ QIX_TEST(accepted, messages)
         QIX_NOTE_FAILURE("text ") << CMoveOnly(7);
 }
 
+QIX_TEST(accepted, infos)
+{
+    std::map<int, int> const numbers = {{1, 2}};
+    Flags const flags = {};
+    char const* const text = "text";
+    for (auto const& [key, value] : numbers)
+    {
+        QIX_INFO("text " << key << value << flags.low << text << std::string("text") << std::endl);
+        QIX_CAPTURE(key, value, flags.low, text, std::string(text), answer(), nothing);
+        QIX_INFO(CValue(value) << numbers << Judged{value} << 'c' << 0.5 << nullptr);
+        QIX_CHECK(key == 1);
+    }
+}
+
 inline int endsInAFailure(bool returns)
 {
     if (returns)
