@@ -12,6 +12,7 @@
 #include <qix/detail/failure.h>
 #include <qix/detail/info.h>
 #include <qix/detail/macros.h>
+#include <qix/detail/matching.h>
 #include <qix/detail/registration.h>
 #include <qix/log.h>
 #include <qix/noteFailure.h>
@@ -63,6 +64,47 @@
 /// Checks that evaluating the expression throws nothing. A failure ends the test.
 #define QIX_REQUIRE_NOTHROW(...)                                                                   \
     QIX_DETAIL_CHECK_NOTHROW(endsTest, "QIX_REQUIRE_NOTHROW(" #__VA_ARGS__ ")", __VA_ARGS__)
+
+/// Checks that evaluating the expression throws something whose message, what() or the text that is
+/// thrown, equals a text or is matched by a matcher of qix/matchers.h. An expression with commas
+/// needs parentheses. A failure is noted.
+#define QIX_CHECK_THROWS_WITH(expression, ...)                                                     \
+    QIX_DETAIL_CHECK_THROWS_WITH(notesFailure,                                                     \
+                                 "QIX_CHECK_THROWS_WITH(" #expression ", " #__VA_ARGS__ ")",       \
+                                 expression, (__VA_ARGS__))
+
+/// Checks the message of what is thrown, as QIX_CHECK_THROWS_WITH does. A failure ends the test.
+#define QIX_REQUIRE_THROWS_WITH(expression, ...)                                                   \
+    QIX_DETAIL_CHECK_THROWS_WITH(endsTest,                                                         \
+                                 "QIX_REQUIRE_THROWS_WITH(" #expression ", " #__VA_ARGS__ ")",     \
+                                 expression, (__VA_ARGS__))
+
+/// Checks the message of what is thrown, as QIX_CHECK_THROWS_WITH does, and its type, which
+/// follows, as QIX_CHECK_THROWS_AS does. A message with commas outside of parentheses needs some. A
+/// failure is noted.
+#define QIX_CHECK_THROWS_WITH_AS(expression, message, ...)                                         \
+    QIX_DETAIL_CHECK_THROWS_WITH_AS(                                                               \
+        notesFailure, "QIX_CHECK_THROWS_WITH_AS(" #expression ", " #message ", " #__VA_ARGS__ ")", \
+        expression, message, __VA_ARGS__)
+
+/// Checks message and type of what is thrown, as QIX_CHECK_THROWS_WITH_AS does. A failure ends the
+/// test.
+#define QIX_REQUIRE_THROWS_WITH_AS(expression, message, ...)                                       \
+    QIX_DETAIL_CHECK_THROWS_WITH_AS(                                                               \
+        endsTest, "QIX_REQUIRE_THROWS_WITH_AS(" #expression ", " #message ", " #__VA_ARGS__ ")",   \
+        expression, message, __VA_ARGS__)
+
+/// Checks that a matcher matches the value: one of qix/matchers.h or of your own, or a value that
+/// it has to equal. A value with commas outside of parentheses needs some. A failure is noted, with
+/// what was expected and what is different.
+#define QIX_CHECK_THAT(value, ...)                                                                 \
+    QIX_DETAIL_CHECK_THAT(notesFailure, "QIX_CHECK_THAT(" #value ", " #__VA_ARGS__ ")", value,     \
+                          __VA_ARGS__)
+
+/// Checks that a matcher matches the value, as QIX_CHECK_THAT does. A failure ends the test.
+#define QIX_REQUIRE_THAT(value, ...)                                                               \
+    QIX_DETAIL_CHECK_THAT(endsTest, "QIX_REQUIRE_THAT(" #value ", " #__VA_ARGS__ ")", value,       \
+                          __VA_ARGS__)
 
 /// Notes a failure with the message. The test goes on and fails at its end.
 #define QIX_NOTE_FAILURE(message) QIX_DETAIL_FAIL(notesFailure, message)

@@ -2,6 +2,7 @@
 
 #include <qix/detail/check.h>
 #include <qix/detail/passedCheck.h>
+#include <qix/detail/matching.h>
 
 namespace qix::detail
 {
@@ -33,6 +34,17 @@ public:
         {
             captureNothingThrown();
             m_hasFailed = true;
+        }
+    }
+
+    /// Fails unless the exception that is being handled has the message.
+    template <typename Expected>
+    void expectMessage(Expected const& expected)
+    {
+        m_hasFailed = !isThrownWith(expected);
+        if (!m_hasFailed)
+        {
+            forgetException();
         }
     }
 

@@ -81,6 +81,29 @@
     qixAttempt.expectThrown();                                                                     \
     QIX_DETAIL_END_ATTEMPT(Ending, text)
 
+#define QIX_DETAIL_CHECK_THROWS_WITH(Ending, text, statement, expected)                            \
+    QIX_DETAIL_BEGIN_ATTEMPT                                                                       \
+    QIX_DETAIL_TRY(statement)                                                                      \
+    QIX_DETAIL_CATCH(qixAttempt.expectMessage(expected))                                           \
+    qixAttempt.expectThrown();                                                                     \
+    QIX_DETAIL_END_ATTEMPT(Ending, text)
+
+#define QIX_DETAIL_CHECK_THROWS_WITH_AS(Ending, text, statement, expected, ...)                    \
+    QIX_DETAIL_BEGIN_ATTEMPT                                                                       \
+    QIX_DETAIL_TRY(statement)                                                                      \
+    catch (__VA_ARGS__ const&)                                                                     \
+    {                                                                                              \
+        qixAttempt.expectMessage(expected);                                                        \
+    }                                                                                              \
+    QIX_DETAIL_CATCH(qixAttempt.failWithException())                                               \
+    qixAttempt.expectThrown();                                                                     \
+    QIX_DETAIL_END_ATTEMPT(Ending, text)
+
+#define QIX_DETAIL_CHECK_THAT(Ending, text, value, ...)                                            \
+    ::qix::detail::holdsThat(value, __VA_ARGS__)                                                   \
+        ? ::qix::detail::notePassedCheck(__FILE__, __LINE__)                                       \
+        : QIX_DETAIL_FAILURE(Ending, text)
+
 #define QIX_DETAIL_CHECK_NOTHROW(Ending, text, ...)                                                \
     QIX_DETAIL_BEGIN_ATTEMPT                                                                       \
     QIX_DETAIL_TRY(__VA_ARGS__)                                                                    \

@@ -1,6 +1,7 @@
 #include <qix/CTestAbortedException.h>
 #include <qix/CTestSkippedWithReasonException.h>
 #include <qix/detail/check.h>
+#include <qix/detail/matching.h>
 
 #include "testing/infos.h"
 #include "testing/keptText.h"
@@ -45,6 +46,29 @@ void captureOperand(ValueRef value)
     out.text("with ");
     describeSafely(out, value);
     keptText = withoutLineEnds(out.written());
+}
+
+void captureMatch(ValueRef value, ValueRef match)
+{
+    CValueWriter out;
+    out.text("with ");
+    describeSafely(out, value);
+    out.text("\nexpected: ");
+    describeSafely(out, match);
+    keptText = withoutLineEnds(out.written());
+}
+
+void captureThrownMatch(ValueRef match)
+{
+    CValueWriter out;
+    out.text("it threw " + currentExceptionText() + "\nexpected the message: ");
+    describeSafely(out, match);
+    keptText = withoutLineEnds(out.written());
+}
+
+std::string messageOfException()
+{
+    return currentMessage();
 }
 
 void captureException()

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 
 #include <cxxabi.h>
 
@@ -41,7 +42,40 @@ std::string currentExceptionText()
     }
     catch (...)
     {
-        return typeText(type);
+        std::string const message = currentMessage();
+        return typeText(type) + (message.empty() ? "" : ": " + message);
+    }
+}
+
+std::string currentMessage()
+{
+    if (std::current_exception() == nullptr)
+    {
+        return "";
+    }
+    try
+    {
+        throw;
+    }
+    catch (std::exception const& e)
+    {
+        return messageOf(e);
+    }
+    catch (char const* text)
+    {
+        return text == nullptr ? "" : text;
+    }
+    catch (std::string const& text)
+    {
+        return text;
+    }
+    catch (std::string_view text)
+    {
+        return std::string(text);
+    }
+    catch (...)
+    {
+        return "";
     }
 }
 
