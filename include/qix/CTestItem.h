@@ -21,6 +21,8 @@ namespace detail
 class CTestMaker;
 }
 
+class CTestContext;
+
 /// The base class of leaf tests. A test derives from it and overrides body(), and whichever of
 /// the hooks around it that it needs.
 ///
@@ -109,12 +111,14 @@ private:
     friend class detail::CTestMaker;
 
     void logBytes(std::string_view line);
+    void callHooks(CTestContext& run);
 
     int m_line = 0; ///< in front, where it fills up what the reference count leaves
     char const* m_file = nullptr;
     std::string m_name;
     Duration m_duration = Short;
     bool m_interactive = false;
+    bool m_isMadeForRun; ///< of a registered test, which gets what is logged
     std::vector<zel::String> m_logLines;
 };
 

@@ -150,8 +150,9 @@
 
 /// \def QIX_TEST_F(Fixture, group, name, attributes...)
 /// Defines a test as QIX_TEST does, in a class derived from \p Fixture, which is a class derived
-/// from qix::CTestItem that can be constructed without arguments. Each test gets an object of its
-/// own; the hooks of the fixture are called around the body.
+/// from qix::CTestItem that can be constructed without arguments. Each run of the test gets an
+/// object of its own, which is released behind it; the hooks of the fixture are called around the
+/// body. What the constructor and the destructor check, log or throw belongs to the test.
 #define QIX_TEST_F(Fixture, group, name, ...)                                                      \
     QIX_DETAIL_TEST_F(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), Fixture, #group, #name,     \
                       QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))

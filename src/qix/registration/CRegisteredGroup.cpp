@@ -21,18 +21,6 @@ zel::P<ITestItem> makeItem(Test const& test)
     return CTestMaker::make(test);
 }
 
-class CFlagWhileAlive
-{
-public:
-    explicit CFlagWhileAlive(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
-    ~CFlagWhileAlive() { m_flag = false; }
-    CFlagWhileAlive(CFlagWhileAlive const&) = delete;
-    CFlagWhileAlive& operator=(CFlagWhileAlive const&) = delete;
-
-private:
-    bool& m_flag;
-};
-
 } // namespace
 
 CRegisteredGroup::CRegisteredGroup(CRegisteredGroup* parent, std::string const& path,
@@ -75,11 +63,9 @@ void CRegisteredGroup::getSubItems(std::vector<zel::P<ITestItem>>& out)
     CTestItemGroup::getSubItems(out);
 }
 
-/// A child that could not be made stays pending.
 void CRegisteredGroup::makePendingChildren()
 {
-    // A fixture's constructor may ask for its siblings: it gets those that are made already.
-    if (m_isMaking || m_madeCount == m_registered.size())
+    if (m_madeCount == m_registered.size())
     {
         return;
     }
@@ -88,7 +74,6 @@ void CRegisteredGroup::makePendingChildren()
     {
         m_subItems.reserve(m_registered.size());
     }
-    CFlagWhileAlive const making(m_isMaking);
     for (; m_madeCount < m_registered.size(); ++m_madeCount)
     {
         m_subItems.push_back(std::visit([](auto const& child) { return makeItem(child); },

@@ -64,7 +64,6 @@ private:
     void (*m_checkNames)();
     std::deque<Child> m_registered;
     std::size_t m_madeCount = 0; ///< how many of the registered children are made
-    bool m_isMaking = false;
     bool m_containsInteractive = false;
 };
 

@@ -1,13 +1,11 @@
 #include "registration/CTestMaker.h"
 
 #include "guards/posix/CForkLock.h"
-#include "text/forcedUnwind.h"
+#include "testing/CTestContext.h"
 
 #include <cstddef>
-#include <exception>
 #include <memory_resource>
 #include <mutex>
-#include <utility>
 
 namespace qix::detail
 {
@@ -15,19 +13,18 @@ namespace qix::detail
 namespace
 {
 
-/// Arena for function tests, which are never freed. It is made while the library is loaded, before
-/// any group can be, so it outlives them. Different groups may belong to different threads.
+/// Arena for registered tests, which are never freed. It is made while the library is loaded,
+/// before any group can be, so it outlives them. Different groups may belong to different threads.
 std::mutex arenaMutex;
 CForkLock const arenaLockedWhileForking(arenaMutex);
 std::pmr::monotonic_buffer_resource arena;
 
-/// A test whose body is a function.
-class CFunctionTest : public CTestItem
+/// A test whose memory is the arena's.
+class CArenaTest : public CTestItem
 {
 public:
-    explicit CFunctionTest(RegisteredFunction const& test)
-        : CTestItem(test.name, test.attributes.duration, test.attributes.interactive),
-          m_body(test.body)
+    explicit CArenaTest(RegisteredTest const& test)
+        : CTestItem(test.name, test.attributes.duration, test.attributes.interactive)
     {
     }
 
@@ -38,6 +35,13 @@ public:
     }
 
     static void operator delete(void* /*test*/) noexcept {}
+};
+
+/// A test whose body is a function.
+class CFunctionTest : public CArenaTest
+{
+public:
+    explicit CFunctionTest(RegisteredFunction const& test) : CArenaTest(test), m_body(test.body) {}
 
 protected:
     void body() override { m_body(); }
@@ -46,65 +50,61 @@ private:
     void (*m_body)();
 };
 
-/// Stands for a test whose object could not be made, and fails for the same reason.
-class CBrokenTest : public CTestItem
+/// A test whose object lives as long as its body runs.
+class CFixtureTest : public CArenaTest
 {
 public:
-    CBrokenTest(RegisteredFixture const& test, std::exception_ptr reason)
-        : CTestItem(test.name, test.attributes.duration, test.attributes.interactive),
-          m_reason(std::move(reason))
-    {
-    }
+    explicit CFixtureTest(RegisteredFixture const& test) : CArenaTest(test), m_make(test.make) {}
 
 protected:
-    void body() override { std::rethrow_exception(m_reason); }
+    void body() override
+    {
+        zel::P<CTestItem> object;
+        CTestContext::ofThisThread()->perform(object,
+                                              [&]
+                                              {
+                                                  object = zel::P<CTestItem>(m_make());
+                                                  CTestMaker::callAs(*this, *object);
+                                              });
+    }
 
 private:
-    std::exception_ptr m_reason;
+    CTestItem* (*m_make)();
 };
+
+template <typename Item, typename Test>
+zel::P<ITestItem> makeItem(Test const& test)
+{
+    auto item = zel::newObj<Item>(test);
+    CTestMaker::locate(*item, test);
+    return item;
+}
 
 } // namespace
 
 zel::P<ITestItem> CTestMaker::make(RegisteredFunction const& test)
 {
-    auto item = zel::newObj<CFunctionTest>(test);
-    locate(*item, test);
-    return item;
+    return makeItem<CFunctionTest>(test);
 }
 
-QIX_CATCHES_FORCED_UNWIND zel::P<ITestItem> CTestMaker::make(RegisteredFixture const& test)
+zel::P<ITestItem> CTestMaker::make(RegisteredFixture const& test)
 {
-    try
-    {
-        return construct(test);
-    }
-    catch (abi::__forced_unwind const&)
-    {
-        // The thread is being cancelled, which nobody may stop.
-        throw;
-    }
-    catch (...)
-    {
-        auto item = zel::newObj<CBrokenTest>(test, std::current_exception());
-        locate(*item, test);
-        return item;
-    }
-}
-
-zel::P<ITestItem> CTestMaker::construct(RegisteredFixture const& test)
-{
-    zel::P<CTestItem> const item(test.make());
-    item->m_name = test.name;
-    item->m_duration = test.attributes.duration;
-    item->m_interactive = test.attributes.interactive;
-    locate(*item, test);
-    return item;
+    return makeItem<CFixtureTest>(test);
 }
 
 void CTestMaker::locate(CTestItem& item, RegisteredTest const& test) noexcept
 {
     item.m_file = test.file;
     item.m_line = test.line;
+}
+
+void CTestMaker::callAs(CTestItem const& test, CTestItem& object)
+{
+    object.m_file = test.m_file;
+    object.m_line = test.m_line;
+    object.m_name = test.m_name;
+    object.m_duration = test.m_duration;
+    object.m_interactive = test.m_interactive;
 }
 
 } // namespace qix::detail

@@ -12,13 +12,13 @@ class CTestMaker
 {
 public:
     static zel::P<ITestItem> make(RegisteredFunction const& test);
-
-    /// If the class cannot be constructed, the item is a test that fails for that reason.
     static zel::P<ITestItem> make(RegisteredFixture const& test);
 
-private:
-    static zel::P<ITestItem> construct(RegisteredFixture const& test);
+    /// Tells the item where the test is written.
     static void locate(CTestItem& item, RegisteredTest const& test) noexcept;
+
+    /// Gives the object that is made for a run of the test what is known of the test.
+    static void callAs(CTestItem const& test, CTestItem& object);
 };
 
 } // namespace qix::detail

@@ -35,14 +35,15 @@ ITestItem::Duration durationOfRows(ITestItem const& item)
 
 } // namespace
 
-/// Keeps the current run from ending while it lives, without a lock.
+/// Keeps a run from ending while it lives, without a lock.
 class CTestContext::CUse
 {
 public:
-    CUse() noexcept
+    /// \param object  what the run has made; null for the current run
+    explicit CUse(CTestItem const* object = nullptr) noexcept
     {
         std::lock_guard<std::mutex> const lock(runsMutex);
-        m_run = current();
+        m_run = object == nullptr ? current() : withObject(object);
         if (m_run != nullptr)
         {
             ++m_run->m_useCount;
@@ -120,6 +121,60 @@ CTestContext* CTestContext::ofThisThread() noexcept
 CTestContext* CTestContext::current() noexcept
 {
     return innermostOfThread != nullptr ? innermostOfThread : innermostOfProcess;
+}
+
+CTestContext* CTestContext::withObject(CTestItem const* object) noexcept
+{
+    CTestContext* run = innermostOfProcess;
+    while (run != nullptr && run->m_object != object)
+    {
+        run = run->m_outerOfProcess;
+    }
+    return run;
+}
+
+CTestContext* CTestContext::ofObject(CTestItem const& object) noexcept
+{
+    CTestContext* const run = innermostOfThread;
+    return run != nullptr && run->m_object == &object ? run : nullptr;
+}
+
+bool CTestContext::takeAwaited(CTestItem& object) noexcept
+{
+    CTestContext* const run = innermostOfThread;
+    if (run == nullptr || !run->m_awaitsObject)
+    {
+        return false;
+    }
+    run->setObject(&object);
+    return true;
+}
+
+void CTestContext::logInRunOf(CTestItem const& object, zel::String const& line)
+{
+    CUse const use(&object);
+    if (use.getRun() != nullptr)
+    {
+        use.getRun()->m_item.log(line);
+    }
+}
+
+void CTestContext::setObject(CTestItem const* object) noexcept
+{
+    std::lock_guard<std::mutex> const lock(runsMutex);
+    m_awaitsObject = false;
+    m_object = object;
+}
+
+void CTestContext::perform(zel::P<CTestItem>& object, detail::CFunctionRef make)
+{
+    m_awaitsObject = true;
+    if (tryStep("the constructor", make))
+    {
+        tryStep("the body", [&] { object->run(m_runner); });
+        tryStep("the destructor", [&] { object = nullptr; });
+    }
+    setObject(nullptr);
 }
 
 bool CTestContext::noteInCurrent(CheckFailure const& failure)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qix/CTestFailedException.h>
+#include <qix/CTestItem.h>
 #include <qix/CheckFailure.h>
 #include <qix/ITestItem.h>
 #include <qix/ITestRunner.h>
@@ -53,6 +54,22 @@ public:
     /// any thread.
     static bool logInCurrent(zel::String const& line);
 
+    /// The run that the object was made for, if that is the innermost of the calling thread, or
+    /// null.
+    static CTestContext* ofObject(CTestItem const& object) noexcept;
+
+    /// Called by each test that is being constructed. True when it is the object that this thread's
+    /// run is making.
+    static bool takeAwaited(CTestItem& object) noexcept;
+
+    /// Records a line in the item of the run that the object was made for, if that has not ended.
+    /// Safe to call on any thread.
+    static void logInRunOf(CTestItem const& object, zel::String const& line);
+
+    /// Makes an object, runs it as a part of this run and releases it.
+    /// \param make  sets \p object
+    void perform(zel::P<CTestItem>& object, detail::CFunctionRef make);
+
     /// Calls \p step and keeps what it throws. True when it returned.
     /// \param name  what messages call the step
     bool tryStep(char const* name, detail::CFunctionRef step);
@@ -79,6 +96,7 @@ private:
     };
 
     static CTestContext* current() noexcept;
+    static CTestContext* withObject(CTestItem const* object) noexcept;
 
     bool catchAll(char const* name, detail::CFunctionRef step);
     bool beginSubTest(std::string const& name, SourceLocation const& location);
@@ -93,8 +111,12 @@ private:
     bool hasOnlyAnError() const noexcept;
     void leave() noexcept;
 
+    void setObject(CTestItem const* object) noexcept;
+
     ITestItem& m_item;
     ITestRunner* m_runner;
+    CTestItem const* m_object = nullptr; ///< what is made for this run
+    bool m_awaitsObject = false;
     CTestContext* m_outerOfThread;
     CTestContext* m_outerOfProcess;
     bool m_isCurrent = true;

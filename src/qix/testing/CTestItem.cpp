@@ -20,10 +20,15 @@ CForkLock const logLockedWhileForking(logMutex);
 
 } // namespace
 
-CTestItem::CTestItem() = default;
+CTestItem::CTestItem() : m_isMadeForRun(CTestContext::takeAwaited(*this))
+{
+}
 
 CTestItem::CTestItem(std::string const& name, Duration duration, bool interactive)
-    : m_name(name), m_duration(duration), m_interactive(interactive)
+    : m_name(name),
+      m_duration(duration),
+      m_interactive(interactive),
+      m_isMadeForRun(CTestContext::takeAwaited(*this))
 {
 }
 
@@ -31,9 +36,23 @@ CTestItem::~CTestItem() = default;
 
 void CTestItem::run(ITestRunner* runner)
 {
+    if (m_isMadeForRun)
+    {
+        if (CTestContext* const run = CTestContext::ofObject(*this))
+        {
+            callHooks(*run);
+            return;
+        }
+    }
     m_logLines.clear();
     CHiddenInfos const hidden;
     CTestContext run(*this, runner);
+    callHooks(run);
+    run.finish();
+}
+
+void CTestItem::callHooks(CTestContext& run)
+{
     if (run.tryStep("clean", [this] { clean(); }))
     {
         if (run.tryStep("setUp", [this] { setUp(); }))
@@ -43,7 +62,6 @@ void CTestItem::run(ITestRunner* runner)
         run.tryStep("tearDown", [this] { tearDown(); });
         run.tryStep("clean", [this] { clean(); });
     }
-    run.finish();
 }
 
 void CTestItem::getSubItems(std::vector<zel::P<ITestItem>>& out)
@@ -53,8 +71,14 @@ void CTestItem::getSubItems(std::vector<zel::P<ITestItem>>& out)
 
 void CTestItem::log(zel::String const& line)
 {
-    std::lock_guard<std::mutex> const lock(logMutex);
-    m_logLines.push_back(line);
+    {
+        std::lock_guard<std::mutex> const lock(logMutex);
+        m_logLines.push_back(line);
+    }
+    if (m_isMadeForRun)
+    {
+        CTestContext::logInRunOf(*this, line);
+    }
 }
 
 void CTestItem::logBytes(std::string_view line)

@@ -15,8 +15,6 @@
 #include <thread>
 #include <vector>
 
-#include <pthread.h>
-
 QIX_TEST(registered, first)
 {
 }
@@ -64,33 +62,6 @@ zel::P<qix::ITestItem> groupNamed(std::string const& name)
     throw std::invalid_argument(name);
 }
 
-/// Asks the group that it lies in for its children while it is constructed.
-class CCurious : public qix::CTestItem
-{
-public:
-    CCurious() : m_siblings(namesOfChildren(*groupNamed("curious"))) {}
-
-    std::vector<std::string> const& getSiblings() const noexcept { return m_siblings; }
-
-private:
-    std::vector<std::string> const m_siblings;
-};
-
-/// Ends the thread that constructs the first of them.
-class CEndingThread : public qix::CTestItem
-{
-public:
-    CEndingThread()
-    {
-        static bool isFirst = true;
-        if (isFirst)
-        {
-            isFirst = false;
-            pthread_exit(nullptr);
-        }
-    }
-};
-
 class CCannotBeMade : public qix::CTestItem
 {
 public:
@@ -120,22 +91,6 @@ void registerLate(char const* group, char const* name, qix::detail::Attributes a
 }
 
 } // namespace
-
-QIX_TEST(curious, first)
-{
-}
-
-QIX_TEST_F(CCurious, curious, second)
-{
-}
-
-QIX_TEST(curious, third)
-{
-}
-
-QIX_TEST_F(CEndingThread, ending, test)
-{
-}
 
 constexpr int lineOfFirst = __LINE__ + 1;
 QIX_TEST(located.inner, function)
@@ -178,17 +133,6 @@ TEST(RegisteredGroups, makeTheirChildrenWhenTheyAreRunUnasked)
     EXPECT_THAT(runner.m_names, testing::ElementsAre("first", "inner", "third"));
 }
 
-TEST(RegisteredGroups, keepTheOrderWhenATestAsksForItsSiblings)
-{
-    Items const children = childrenOf(*groupNamed("curious"));
-    ASSERT_EQ(children.size(), 3U);
-    EXPECT_EQ(children[0]->getName(), "first");
-    EXPECT_EQ(children[2]->getName(), "third");
-    auto const* const second = dynamic_cast<CCurious const*>(children[1].get());
-    ASSERT_NE(second, nullptr);
-    EXPECT_THAT(second->getSiblings(), testing::ElementsAre("first"));
-}
-
 TEST(RegisteredGroups, takeWhatIsRegisteredAfterTheyWereAsked)
 {
     zel::P<qix::ITestItem> const group = groupNamed("late");
@@ -201,22 +145,6 @@ TEST(RegisteredGroups, takeWhatIsRegisteredAfterTheyWereAsked)
     EXPECT_TRUE(group->containsAnyInteractive());
     EXPECT_THAT(namesOfChildren(*group), testing::ElementsAre("first", "inner", "second"));
     EXPECT_THAT(namesOfChildren(*groupNamed("later")), testing::ElementsAre("first"));
-}
-
-TEST(RegisteredGroups, keepAChildThatCouldNotBeMade)
-{
-    zel::P<qix::ITestItem> const group = groupNamed("ending");
-    pthread_t thread = {};
-    auto const askForChildren = [](void* asked) -> void*
-    {
-        childrenOf(*static_cast<qix::ITestItem*>(asked));
-        return asked;
-    };
-    ASSERT_EQ(pthread_create(&thread, nullptr, askForChildren, group.get()), 0);
-    void* result = group.get();
-    pthread_join(thread, &result);
-    EXPECT_EQ(result, nullptr);
-    EXPECT_THAT(namesOfChildren(*group), testing::ElementsAre("test"));
 }
 
 TEST(RegisteredGroups, knowOfInteractiveItemsThatAreAddedByHand)
