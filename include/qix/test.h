@@ -14,6 +14,7 @@
 #include <qix/detail/macros.h>
 #include <qix/detail/matching.h>
 #include <qix/detail/registration.h>
+#include <qix/detail/section.h>
 #include <qix/log.h>
 #include <qix/noteFailure.h>
 #include <qix/subTest.h>
@@ -133,6 +134,20 @@
 // A variadic macro whose last argument is left out is standard from C++20 on only; both compilers
 // have always taken it, and tell so under -Wpedantic unless the macro comes from the system.
 #pragma GCC system_header
+
+/// Begins a section, a part of a test that shares the code in front of it; its block follows.
+///
+/// The test is run from its beginning once for each innermost section, with everything made anew,
+/// also the object of its fixture: each time it runs one more of them and passes the others by.
+/// Sections may stand in each other, in loops, in functions that the test calls and in rows of
+/// subTest(). A section is a sub-test with an outcome of its own: when it fails, the others run
+/// nevertheless, and the run fails, but not what is around the section.
+///
+/// The name is any text; it may be made as the test runs, and the same in each pass. Throws
+/// zel::CError on a thread that runs no test.
+#define QIX_SECTION(name)                                                                          \
+    if (::qix::detail::CSectionVisit const QIX_DETAIL_JOIN(qixSection,                             \
+                                                           __COUNTER__){name, __FILE__, __LINE__})
 
 /// \def QIX_TEST(group, name, attributes...)
 /// Defines a test and registers it; its body follows in braces.

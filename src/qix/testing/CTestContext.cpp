@@ -3,12 +3,17 @@
 #include "guards/posix/CForkGuard.h"
 #include "guards/posix/CForkLock.h"
 #include "model/outcomes.h"
+#include "testing/CSections.h"
 #include "testing/infos.h"
 #include "testing/pendingFailures.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
+#include "text/shownName.h"
 
+#include <algorithm>
 #include <mutex>
+#include <tuple>
+#include <utility>
 
 namespace qix
 {
@@ -81,17 +86,29 @@ void CRequirementFailedException::throwClone() const
 }
 
 CTestContext::CTestContext(ITestItem& item, ITestRunner* runner) noexcept
-    : m_item(item), m_runner(runner), m_outerOfThread(innermostOfThread)
+    : m_item(item), m_runner(runner)
 {
-    std::lock_guard<std::mutex> const lock(runsMutex);
-    m_outerOfProcess = innermostOfProcess;
-    innermostOfProcess = this;
-    innermostOfThread = this;
+    enter();
+}
+
+CTestContext::CTestContext(CTestContext const& body, CSections& sections) noexcept
+    : CTestContext(body.m_item, body.m_runner)
+{
+    m_sections = &sections;
 }
 
 CTestContext::~CTestContext()
 {
     leave();
+}
+
+void CTestContext::enter() noexcept
+{
+    std::lock_guard<std::mutex> const lock(runsMutex);
+    m_isCurrent = true;
+    m_knownFailures = m_failures.size();
+    m_outerOfThread = std::exchange(innermostOfThread, this);
+    m_outerOfProcess = std::exchange(innermostOfProcess, this);
 }
 
 void CTestContext::leave() noexcept
@@ -215,8 +232,25 @@ void CTestContext::noteThrown(char const* step, std::string const& what)
     note({"", 0, "", text});
 }
 
+/// What is run once more by each pass fails once more; it is told once.
+bool CTestContext::isKnownFromEarlierPass(CheckFailure const& failure) const
+{
+    auto const end = m_failures.begin() + static_cast<std::ptrdiff_t>(m_knownFailures);
+    return std::any_of(m_failures.begin(), end,
+                       [&failure](CheckFailure const& known)
+                       {
+                           return std::tie(known.line, known.file, known.check, known.values) ==
+                                  std::tie(failure.line, failure.file, failure.check,
+                                           failure.values);
+                       });
+}
+
 void CTestContext::noteLocked(CheckFailure const& failure)
 {
+    if (isKnownFromEarlierPass(failure))
+    {
+        return;
+    }
     if (m_failures.size() < listedFailures)
     {
         m_failures.push_back(failure);
@@ -230,6 +264,10 @@ bool CTestContext::tryStep(char const* name, detail::CFunctionRef step)
     bool const hasReturned = catchAll(name, step);
     notePendingFailures(outer);
     forgetLeftInfos();
+    if (m_ownSections != nullptr)
+    {
+        m_ownSections->endCut();
+    }
     return hasReturned;
 }
 
@@ -244,7 +282,10 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::catchAll(char const* name, detail::
                 step();
             },
             [this, name](TestOutcome::Kind kind, std::exception const& exception)
-            { keepThrown(name, kind, exception); });
+            {
+                CTestContext& owner = ownerOfException();
+                owner.keepThrown(owner.nameOfStep(name), kind, exception);
+            });
     }
     catch (abi::__forced_unwind const&)
     {
@@ -253,9 +294,52 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::catchAll(char const* name, detail::
     }
     catch (...)
     {
-        noteThrown(name, currentExceptionText());
+        CTestContext& owner = ownerOfException();
+        owner.noteThrown(owner.nameOfStep(name), currentExceptionText());
     }
     return false;
+}
+
+/// An exception that has left a section is the section's.
+CTestContext& CTestContext::ownerOfException() noexcept
+{
+    return m_ownSections == nullptr ? *this : m_ownSections->ownerOfException();
+}
+
+char const* CTestContext::nameOfStep(char const* name) const noexcept
+{
+    bool const isSection = m_sections != nullptr && m_ownSections == nullptr;
+    return isSection ? "it" : name;
+}
+
+void CTestContext::runPasses(detail::CFunctionRef pass)
+{
+    bool goesOn = true;
+    while (goesOn)
+    {
+        pass();
+        goesOn = m_ownSections != nullptr && m_ownSections->endPass();
+        if (goesOn)
+        {
+            m_ownSections->beginPass();
+            leave();
+            enter();
+        }
+    }
+    if (m_ownSections != nullptr)
+    {
+        m_ownSections->endAll();
+    }
+}
+
+CSections& CTestContext::sections()
+{
+    if (m_sections == nullptr)
+    {
+        m_ownSections = std::make_unique<CSections>(*this);
+        m_sections = m_ownSections.get();
+    }
+    return *m_sections;
 }
 
 void CTestContext::keepThrown(char const* step, TestOutcome::Kind kind,
@@ -303,16 +387,13 @@ void CTestContext::keepOutcome(Thrown const& thrown)
 void CTestContext::runSubTest(std::string const& name, detail::CFunctionRef row,
                               SourceLocation const& location)
 {
-    if (!beginSubTest(name, location))
+    if (!beginSubTest(shownName(name), location))
     {
         return;
     }
     CTestContext run(m_item, m_runner);
-    run.tryStep("it", row);
-    if (!endSubTest(run))
-    {
-        note({location.file, location.line, "", "the sub-test \"" + name + "\" failed"});
-    }
+    run.runPasses([&] { run.tryStep("it", row); });
+    endSubTest(run);
 }
 
 bool CTestContext::beginSubTest(std::string const& name, SourceLocation const& location)
@@ -322,22 +403,21 @@ bool CTestContext::beginSubTest(std::string const& name, SourceLocation const& l
                                   m_item.containsAnyInteractive());
 }
 
-/// False when the row has failed.
-bool CTestContext::endSubTest(CTestContext& row)
+void CTestContext::endSubTest(CTestContext& subTest)
 {
-    row.leave();
-    if (row.m_failureCount > 0)
+    subTest.leave();
+    if (subTest.m_failureCount > 0)
     {
-        endFailedSubTest(row);
-        return false;
+        endFailedSubTest(subTest);
+        return;
     }
-    if (!row.m_outcome)
+    if (!subTest.m_outcome)
     {
         m_runner->endSubTest_Success();
-        return true;
+        return;
     }
-    CReportedException const reported(row.m_outcome->exception);
-    if (row.m_outcome->kind == TestOutcome::Aborted)
+    CReportedException const reported(subTest.m_outcome->exception);
+    if (subTest.m_outcome->kind == TestOutcome::Aborted)
     {
         m_runner->endSubTest_Aborted();
     }
@@ -345,18 +425,18 @@ bool CTestContext::endSubTest(CTestContext& row)
     {
         m_runner->endSubTest_Skipped();
     }
-    return true;
 }
 
-void CTestContext::endFailedSubTest(CTestContext const& row)
+void CTestContext::endFailedSubTest(CTestContext const& subTest)
 {
-    if (row.hasOnlyAnError())
+    if (subTest.hasOnlyAnError())
     {
-        m_runner->endSubTest_Failed(*row.m_error->exception);
+        m_runner->endSubTest_Failed(*subTest.m_error->exception);
     }
     else
     {
-        m_runner->endSubTest_Failed(CTestFailedException(row.m_failures, row.m_failureCount));
+        m_runner->endSubTest_Failed(
+            CTestFailedException(subTest.m_failures, subTest.m_failureCount));
     }
 }
 

@@ -13,12 +13,15 @@
 #include <condition_variable>
 #include <cstddef>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace qix
 {
+
+class CSections;
 
 /// Thrown by a requirement that does not hold, whose failure has been noted in its run already.
 class CRequirementFailedException : public CTestFailedException
@@ -39,6 +42,9 @@ class CTestContext
 public:
     /// The run of a test.
     CTestContext(ITestItem& item, ITestRunner* runner) noexcept;
+
+    /// The run of a section inside \p body, to whose \p sections it belongs.
+    CTestContext(CTestContext const& body, CSections& sections) noexcept;
 
     CTestContext(CTestContext const&) = delete;
     CTestContext& operator=(CTestContext const&) = delete;
@@ -74,8 +80,27 @@ public:
     /// \param name  what messages call the step
     bool tryStep(char const* name, detail::CFunctionRef step);
 
-    /// Runs a sub-test inside this run and reports it to the runner. When it fails, this run has
-    /// failed, too.
+    /// Calls what makes up the test, again and again until all sections in it have run.
+    void runPasses(detail::CFunctionRef pass);
+
+    /// The sections that this run belongs to, or that stand in it.
+    CSections& sections();
+
+    /// Becomes the current run again, after leave().
+    void enter() noexcept;
+
+    /// Is not the current run any more. Waits for threads that are recording a line.
+    void leave() noexcept;
+
+    /// Asks the runner. False when it does not want the sub-test.
+    bool beginSubTest(std::string const& name, SourceLocation const& location);
+
+    /// Tells the runner how the sub-test has ended.
+    void endSubTest(CTestContext& subTest);
+
+    void note(CheckFailure const& failure);
+
+    /// Runs a row inside this run, which it does not fail, and reports it to the runner.
     /// \param location  where the sub-test is written
     void runSubTest(std::string const& name, detail::CFunctionRef row,
                     SourceLocation const& location);
@@ -99,17 +124,16 @@ private:
     static CTestContext* withObject(CTestItem const* object) noexcept;
 
     bool catchAll(char const* name, detail::CFunctionRef step);
-    bool beginSubTest(std::string const& name, SourceLocation const& location);
-    bool endSubTest(CTestContext& row);
-    void endFailedSubTest(CTestContext const& row);
+    void endFailedSubTest(CTestContext const& subTest);
+    CTestContext& ownerOfException() noexcept;
+    char const* nameOfStep(char const* name) const noexcept;
     void keepThrown(char const* step, TestOutcome::Kind kind, std::exception const& exception);
     void keepError(char const* step, Thrown const& thrown);
     void keepOutcome(Thrown const& thrown);
-    void note(CheckFailure const& failure);
     void noteThrown(char const* step, std::string const& what);
+    bool isKnownFromEarlierPass(CheckFailure const& failure) const;
     void noteLocked(CheckFailure const& failure);
     bool hasOnlyAnError() const noexcept;
-    void leave() noexcept;
 
     void setObject(CTestItem const* object) noexcept;
 
@@ -117,15 +141,18 @@ private:
     ITestRunner* m_runner;
     CTestItem const* m_object = nullptr; ///< what is made for this run
     bool m_awaitsObject = false;
-    CTestContext* m_outerOfThread;
-    CTestContext* m_outerOfProcess;
-    bool m_isCurrent = true;
+    CTestContext* m_outerOfThread = nullptr;
+    CTestContext* m_outerOfProcess = nullptr;
+    bool m_isCurrent = false;
     unsigned m_useCount = 0; ///< how many threads are recording a line in the item
     std::condition_variable m_useEnded;
     std::vector<CheckFailure> m_failures; ///< those that are listed, in the order of their coming
     std::size_t m_failureCount = 0;
+    std::size_t m_knownFailures = 0; ///< how many of the listed ones are of earlier passes
     bool m_hasInfos = false;         ///< of an exception, which cannot tell them itself
     std::optional<Thrown> m_error;   ///< the first failure that is an exception of the test's own
+    std::unique_ptr<CSections> m_ownSections;
+    CSections* m_sections = nullptr; ///< null as long as there is none
     std::optional<Thrown> m_outcome; ///< the first exception that tells of a skip or an abort
 };
 

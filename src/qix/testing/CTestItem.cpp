@@ -47,7 +47,7 @@ void CTestItem::run(ITestRunner* runner)
     m_logLines.clear();
     CHiddenInfos const hidden;
     CTestContext run(*this, runner);
-    callHooks(run);
+    run.runPasses([&] { callHooks(run); });
     run.finish();
 }
 
