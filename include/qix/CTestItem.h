@@ -21,8 +21,6 @@ namespace detail
 class CTestMaker;
 }
 
-class CTestContext;
-
 /// The base class of leaf tests. A test derives from it and overrides body(), and whichever of
 /// the hooks around it that it needs.
 ///
@@ -111,7 +109,6 @@ private:
     friend class detail::CTestMaker;
 
     void logBytes(std::string_view line);
-    void callHooks(CTestContext& run);
 
     int m_line = 0; ///< in front, where it fills up what the reference count leaves
     char const* m_file = nullptr;

@@ -17,6 +17,7 @@
 #include <qix/CValueWriter.h>
 #include <qix/CheckFailure.h>
 #include <qix/ILocatedItem.h>
+#include <qix/ITaggedItem.h>
 #include <qix/ITestItem.h>
 #include <qix/ITestItemFactory.h>
 #include <qix/ITestListener.h>

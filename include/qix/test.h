@@ -9,15 +9,19 @@
 #include <qix/attributes.h>
 #include <qix/detail/attempt.h>
 #include <qix/detail/check.h>
+#include <qix/detail/each.h>
 #include <qix/detail/failure.h>
 #include <qix/detail/info.h>
 #include <qix/detail/macros.h>
 #include <qix/detail/matching.h>
 #include <qix/detail/registration.h>
 #include <qix/detail/section.h>
+#include <qix/detail/typed.h>
+#include <qix/groupFixture.h>
 #include <qix/log.h>
 #include <qix/noteFailure.h>
 #include <qix/subTest.h>
+#include <qix/values.h>
 
 /// Checks that the expression is true: a comparison, whose two values a failure shows, or whatever
 /// else converts to bool. It is evaluated once. A failure is noted, and the test goes on and fails
@@ -152,15 +156,16 @@
 /// \def QIX_TEST(group, name, attributes...)
 /// Defines a test and registers it; its body follows in braces.
 ///
-/// \p group is the dotted path of its group, \p name an identifier. The attributes are one of
-/// Short (which it is without any), Long, VeryLong, Hours and None, and Interactive, in any order.
-/// Tests are run in the order in which they stand in the file. The body can call log() and
-/// subTest() as they stand.
+/// \p group is the dotted path of its group, \p name an identifier or any text in quotes. The
+/// attributes are at most one of each kind, in any order: Short (which a test is without any),
+/// Long, VeryLong, Hours or None; Interactive; `Disabled("why")`; ShouldFail; `Tags("net",
+/// "slow")`. Tests are run in the order in which they stand in the file. The body can call log()
+/// and subTest() as they stand.
 ///
 /// Two tests of one name in a group, and a name for a group that is empty or contains a "%", are
 /// invalid: nothing is run, and the message says where they are.
 #define QIX_TEST(group, name, ...)                                                                 \
-    QIX_DETAIL_TEST(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), #group, #name,                \
+    QIX_DETAIL_TEST(QIX_DETAIL_JOIN(QixTest_, __COUNTER__), #group, #name,                         \
                     QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))
 
 /// \def QIX_TEST_F(Fixture, group, name, attributes...)
@@ -169,5 +174,38 @@
 /// object of its own, which is released behind it; the hooks of the fixture are called around the
 /// body. What the constructor and the destructor check, log or throw belongs to the test.
 #define QIX_TEST_F(Fixture, group, name, ...)                                                      \
-    QIX_DETAIL_TEST_F(QIX_DETAIL_JOIN(QixTest_##name##_, __COUNTER__), Fixture, #group, #name,     \
+    QIX_DETAIL_TEST_F(QIX_DETAIL_JOIN(QixTest_, __COUNTER__), Fixture, #group, #name,              \
                       QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))
+
+/// \def QIX_TEST_TYPED(group, name, types, attributes...)
+/// Defines one test for each of the types, which stand in parentheses: `(int, std::string)`. The
+/// body sees the type as TypeParam. The tests are called after the types: `name[int]`.
+#define QIX_TEST_TYPED(group, name, types, ...)                                                    \
+    QIX_DETAIL_TEST_TYPED(QIX_DETAIL_JOIN(QixTest_, __COUNTER__), #group, #name, types,            \
+                          QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))
+
+/// \def QIX_TEST_TYPED_F(Fixture, group, name, types, attributes...)
+/// Defines one test for each of the types as QIX_TEST_TYPED does. \p Fixture is the name of a class
+/// template, whose class for the type is the fixture of the test. As in every such class, what the
+/// fixture has is named by `this->`.
+#define QIX_TEST_TYPED_F(Fixture, group, name, types, ...)                                         \
+    QIX_DETAIL_TEST_TYPED_F(QIX_DETAIL_JOIN(QixTest_, __COUNTER__), Fixture, #group, #name, types, \
+                            QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))
+
+/// \def QIX_TEST_EACH(group, name, values, attributes...)
+/// Defines one test for each value of a range, which the body sees as \p param.
+///
+/// The range is an expression: a variable, qix::values(1, 2, 3), qix::combine(range, range), or the
+/// call of a function. It is evaluated once, when the group is first asked for its tests; what it
+/// throws fails a test of that name. The values live as long as the program. A test is called after
+/// its value, `name[3]`, where that is written as text of at most 60 bytes, and otherwise by its
+/// number from 1, `name[#3]`; then its failures show the value.
+#define QIX_TEST_EACH(group, name, values, ...)                                                    \
+    QIX_DETAIL_TEST_EACH(QIX_DETAIL_JOIN(QixTest_, __COUNTER__), #group, #name, values,            \
+                         QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))
+
+/// \def QIX_TEST_EACH_F(Fixture, group, name, values, attributes...)
+/// Defines one test for each value as QIX_TEST_EACH does, with a fixture as QIX_TEST_F does.
+#define QIX_TEST_EACH_F(Fixture, group, name, values, ...)                                         \
+    QIX_DETAIL_TEST_EACH_F(QIX_DETAIL_JOIN(QixTest_, __COUNTER__), Fixture, #group, #name, values, \
+                           QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))

@@ -26,6 +26,7 @@ SHOW(qix::ITestItem);
 SHOW(qix::ITestRunner);
 SHOW(qix::ITestListener);
 SHOW(qix::ILocatedItem);
+SHOW(qix::ITaggedItem);
 SHOW(qix::CheckFailure);
 SHOW(qix::TestOutcome);
 SHOW(qix::TestInfo);

@@ -122,20 +122,25 @@
 #define QIX_DETAIL_JOIN_EXPANDED(prefix, suffix) prefix##suffix
 
 #define QIX_DETAIL_ATTRIBUTES(none, ...)                                                           \
-    QIX_DETAIL_FOURTH(none, ##__VA_ARGS__, QIX_DETAIL_TWO, QIX_DETAIL_ONE, QIX_DETAIL_NONE, )      \
+    QIX_DETAIL_SEVENTH(none, ##__VA_ARGS__, QIX_DETAIL_FIVE, QIX_DETAIL_FOUR, QIX_DETAIL_THREE,    \
+                       QIX_DETAIL_TWO, QIX_DETAIL_ONE, QIX_DETAIL_NONE, )                          \
     (__VA_ARGS__)
-#define QIX_DETAIL_FOURTH(first, second, third, fourth, ...) fourth
-#define QIX_DETAIL_NONE(...)                                                                       \
-    {                                                                                              \
-    }
-#define QIX_DETAIL_ONE(attribute)                                                                  \
-    {                                                                                              \
-        ::qix::attributes::attribute                                                               \
-    }
-#define QIX_DETAIL_TWO(first, second)                                                              \
-    {                                                                                              \
-        ::qix::attributes::first, ::qix::attributes::second                                        \
-    }
+#define QIX_DETAIL_SEVENTH(first, second, third, fourth, fifth, sixth, seventh, ...) seventh
+#define QIX_DETAIL_NONE(...) ::qix::detail::Attributes()
+#define QIX_DETAIL_ONE(a) ::qix::detail::makeAttributes(::qix::attributes::a)
+#define QIX_DETAIL_TWO(a, b)                                                                       \
+    ::qix::detail::makeAttributes(::qix::attributes::a, ::qix::attributes::b)
+#define QIX_DETAIL_THREE(a, b, c)                                                                  \
+    ::qix::detail::makeAttributes(::qix::attributes::a, ::qix::attributes::b, ::qix::attributes::c)
+#define QIX_DETAIL_FOUR(a, b, c, d)                                                                \
+    ::qix::detail::makeAttributes(::qix::attributes::a, ::qix::attributes::b,                      \
+                                  ::qix::attributes::c, ::qix::attributes::d)
+#define QIX_DETAIL_FIVE(a, b, c, d, e)                                                             \
+    ::qix::detail::makeAttributes(::qix::attributes::a, ::qix::attributes::b,                      \
+                                  ::qix::attributes::c, ::qix::attributes::d,                      \
+                                  ::qix::attributes::e)
+
+#define QIX_DETAIL_WITHOUT_PARENTHESES(...) __VA_ARGS__
 
 #define QIX_DETAIL_TEST(Test, group, name, ...)                                                    \
     namespace                                                                                      \
@@ -161,5 +166,76 @@
     ::qix::detail::CRegistration const                                                             \
         QIX_DETAIL_JOIN(Test, Registration)(__FILE__, __LINE__, group, name,                       \
                                             &::qix::detail::makeTest<Test>, __VA_ARGS__);          \
+    }                                                                                              \
+    void Test::body()
+
+#define QIX_DETAIL_TEST_TYPED(Test, group, name, types, ...)                                       \
+    namespace                                                                                      \
+    {                                                                                              \
+    template <typename TypeParam>                                                                  \
+    struct Test : ::qix::CTestScope                                                                \
+    {                                                                                              \
+        static void body();                                                                        \
+    };                                                                                             \
+    ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
+        __FILE__, __LINE__, group, name,                                                           \
+        &::qix::detail::listTyped<Test, QIX_DETAIL_WITHOUT_PARENTHESES types>, #types,             \
+        __VA_ARGS__);                                                                              \
+    }                                                                                              \
+    template <typename TypeParam>                                                                  \
+    void Test<TypeParam>::body()
+
+#define QIX_DETAIL_TEST_TYPED_F(Test, Fixture, group, name, types, ...)                            \
+    namespace                                                                                      \
+    {                                                                                              \
+    template <typename TypeParam>                                                                  \
+    struct Test : Fixture<TypeParam>                                                               \
+    {                                                                                              \
+        void body() override;                                                                      \
+    };                                                                                             \
+    ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
+        __FILE__, __LINE__, group, name,                                                           \
+        &::qix::detail::listTypedFixtures<Test, QIX_DETAIL_WITHOUT_PARENTHESES types>, #types,     \
+        __VA_ARGS__);                                                                              \
+    }                                                                                              \
+    template <typename TypeParam>                                                                  \
+    void Test<TypeParam>::body()
+
+#define QIX_DETAIL_TEST_EACH(Test, group, name, values, ...)                                       \
+    namespace                                                                                      \
+    {                                                                                              \
+    struct QIX_DETAIL_JOIN(Test, Values)                                                           \
+    {                                                                                              \
+        static decltype(auto) get() { return (values); }                                           \
+    };                                                                                             \
+    struct Test : ::qix::CTestScope                                                                \
+    {                                                                                              \
+        using Param = ::qix::detail::EachParam<QIX_DETAIL_JOIN(Test, Values)>;                     \
+        static void body(Param const& param);                                                      \
+    };                                                                                             \
+    ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
+        __FILE__, __LINE__, group, name,                                                           \
+        &::qix::detail::listEachBody<Test, QIX_DETAIL_JOIN(Test, Values)>, nullptr, __VA_ARGS__);  \
+    }                                                                                              \
+    void Test::body([[maybe_unused]] Param const& param)
+
+#define QIX_DETAIL_TEST_EACH_F(Test, Fixture, group, name, values, ...)                            \
+    namespace                                                                                      \
+    {                                                                                              \
+    struct QIX_DETAIL_JOIN(Test, Values)                                                           \
+    {                                                                                              \
+        static decltype(auto) get() { return (values); }                                           \
+    };                                                                                             \
+    struct Test : Fixture                                                                          \
+    {                                                                                              \
+        using Param = ::qix::detail::EachParam<QIX_DETAIL_JOIN(Test, Values)>;                     \
+        explicit Test(Param const& value) : param(value) {}                                        \
+        void body() override;                                                                      \
+        Param const& param;                                                                        \
+    };                                                                                             \
+    ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
+        __FILE__, __LINE__, group, name,                                                           \
+        &::qix::detail::listEachFixture<Test, QIX_DETAIL_JOIN(Test, Values)>, nullptr,             \
+        __VA_ARGS__);                                                                              \
     }                                                                                              \
     void Test::body()

@@ -1,6 +1,7 @@
 #include "program/listTests.h"
 
 #include <qix/ILocatedItem.h>
+#include <qix/ITaggedItem.h>
 
 #include "text/CJsonWriter.h"
 
@@ -44,10 +45,17 @@ std::vector<NodeIndex> listedTests(CTestSelection const& selection)
     return tests;
 }
 
-void writeTags(CJsonWriter& writer, ITestItem const& /*item*/)
+void writeTags(CJsonWriter& writer, ITestItem const& item)
 {
     writer.key("tags");
     writer.beginArray();
+    if (auto const* const tagged = dynamic_cast<ITaggedItem const*>(&item))
+    {
+        for (std::string const& tag : tagged->getTags())
+        {
+            writer.value(tag);
+        }
+    }
     writer.endArray();
 }
 

@@ -1,7 +1,11 @@
 #include "registration/CRegisteredGroup.h"
 
+#include "guards/posix/CForkLock.h"
+#include "registration/CGroupRun.h"
 #include "registration/CTestMaker.h"
 
+#include <memory>
+#include <mutex>
 #include <variant>
 
 namespace qix::detail
@@ -10,16 +14,40 @@ namespace qix::detail
 namespace
 {
 
-zel::P<ITestItem> makeItem(zel::P<CRegisteredGroup> const& group)
+/// Fixtures of groups log from threads of their own.
+std::mutex logMutex;
+CForkLock const logLockedWhileForking(logMutex);
+
+using Items = std::vector<zel::P<ITestItem>>;
+
+void addItems(zel::P<CRegisteredGroup> const& group, Items& items)
 {
-    return group;
+    items.push_back(group);
+}
+
+void addItems(RegisteredSpecialPtr const& test, Items& items)
+{
+    Items const made = CTestMaker::make(*test);
+    items.insert(items.end(), made.begin(), made.end());
 }
 
 template <typename Test>
-zel::P<ITestItem> makeItem(Test const& test)
+void addItems(Test const& test, Items& items)
 {
-    return CTestMaker::make(test);
+    items.push_back(CTestMaker::make(test));
 }
+
+class CFlagWhileAlive
+{
+public:
+    explicit CFlagWhileAlive(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
+    ~CFlagWhileAlive() { m_flag = false; }
+    CFlagWhileAlive(CFlagWhileAlive const&) = delete;
+    CFlagWhileAlive& operator=(CFlagWhileAlive const&) = delete;
+
+private:
+    bool& m_flag;
+};
 
 } // namespace
 
@@ -38,6 +66,15 @@ void CRegisteredGroup::addGroup(zel::P<CRegisteredGroup> const& group)
     m_registered.emplace_back(group);
 }
 
+void CRegisteredGroup::addTest(RegisteredSpecial const& test)
+{
+    m_registered.emplace_back(std::make_unique<RegisteredSpecial const>(test));
+    if (test.attributes.interactive)
+    {
+        noteInteractiveTest();
+    }
+}
+
 void CRegisteredGroup::noteInteractiveTest() noexcept
 {
     for (CRegisteredGroup* group = this; group != nullptr; group = group->m_parent)
@@ -54,7 +91,26 @@ bool CRegisteredGroup::containsAnyInteractive() const
 void CRegisteredGroup::run(ITestRunner* runner)
 {
     makePendingChildren();
+    if (m_fixtures.empty())
+    {
+        CTestItemGroup::run(runner);
+        return;
+    }
+    m_logLines.clear();
+    CGroupRun run(*this, runner);
     CTestItemGroup::run(runner);
+    run.end();
+}
+
+void CRegisteredGroup::log(zel::String const& line)
+{
+    if (m_fixtures.empty())
+    {
+        CTestItemGroup::log(line);
+        return;
+    }
+    std::lock_guard<std::mutex> const lock(logMutex);
+    m_logLines.push_back(line);
 }
 
 void CRegisteredGroup::getSubItems(std::vector<zel::P<ITestItem>>& out)
@@ -63,9 +119,11 @@ void CRegisteredGroup::getSubItems(std::vector<zel::P<ITestItem>>& out)
     CTestItemGroup::getSubItems(out);
 }
 
+/// A child that could not be made stays pending.
 void CRegisteredGroup::makePendingChildren()
 {
-    if (m_madeCount == m_registered.size())
+    // The values of tests may ask for the group: they get those children that are made already.
+    if (m_isMaking || m_madeCount == m_registered.size())
     {
         return;
     }
@@ -74,10 +132,11 @@ void CRegisteredGroup::makePendingChildren()
     {
         m_subItems.reserve(m_registered.size());
     }
+    CFlagWhileAlive const making(m_isMaking);
     for (; m_madeCount < m_registered.size(); ++m_madeCount)
     {
-        m_subItems.push_back(std::visit([](auto const& child) { return makeItem(child); },
-                                        m_registered[m_madeCount]));
+        std::visit([this](auto const& child) { addItems(child, m_subItems); },
+                   m_registered[m_madeCount]);
     }
 }
 

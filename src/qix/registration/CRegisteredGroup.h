@@ -3,12 +3,14 @@
 #include <qix/CTestItemGroup.h>
 #include <qix/ILocatedItem.h>
 
+#include "registration/GroupFixture.h"
 #include "registration/RegisteredTest.h"
 
 #include <cstddef>
 #include <deque>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace qix::detail
 {
@@ -20,7 +22,8 @@ namespace qix::detail
 class CRegisteredGroup : public CTestItemGroup, public virtual ILocatedItem
 {
 public:
-    using Child = std::variant<RegisteredFunction, RegisteredFixture, zel::P<CRegisteredGroup>>;
+    using Child = std::variant<RegisteredFunction, RegisteredFixture, RegisteredSpecialPtr,
+                               zel::P<CRegisteredGroup>>;
 
     /// \param parent      null when the group is a child of the root; outlives this group
     /// \param location    where the first test in the group, or below it, is written
@@ -46,12 +49,21 @@ public:
         }
     }
 
+    void addTest(RegisteredSpecial const& test);
+
+    void addFixture(GroupFixture const& fixture) { m_fixtures.push_back(fixture); }
+    std::vector<GroupFixture> const& getFixtures() const noexcept { return m_fixtures; }
+
     void addGroup(zel::P<CRegisteredGroup> const& group);
 
     /// Counts registered tests below it whose items are not made yet, too.
     bool containsAnyInteractive() const override;
 
     void run(ITestRunner* runner) override;
+
+    /// Records a line. It is not printed when it comes from what the tests of the group share.
+    void log(zel::String const& line) override;
+
     void getSubItems(std::vector<zel::P<ITestItem>>& out) override;
 
 private:
@@ -64,7 +76,9 @@ private:
     void (*m_checkNames)();
     std::deque<Child> m_registered;
     std::size_t m_madeCount = 0; ///< how many of the registered children are made
+    bool m_isMaking = false;
     bool m_containsInteractive = false;
+    std::vector<GroupFixture> m_fixtures;
 };
 
 } // namespace qix::detail

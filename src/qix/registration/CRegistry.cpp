@@ -4,7 +4,9 @@
 #include <zel/CError.h>
 
 #include "registration/invalidNames.h"
+#include "registration/literalText.h"
 #include "text/decodedText.h"
+#include "text/shownName.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -45,18 +47,62 @@ std::string withoutBlanks(std::string_view text)
     return path;
 }
 
+AllAttributes withoutRareOnes(Attributes attributes)
+{
+    AllAttributes all;
+    all.basic = attributes;
+    return all;
+}
+
+void addSpecial(RegisteredTest test, char const* group, AllAttributes const& attributes,
+                void (*body)(), CTestItem* (*make)(), ListTests* list, char const* types)
+{
+    CRegistry& registry = CRegistry::get();
+    test.name = registry.nameOf(test.name);
+    registry.add(group, RegisteredSpecial{test, attributes, body, make, list, types});
+}
+
 } // namespace
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              void (*body)(), Attributes attributes)
 {
-    CRegistry::get().add(group, RegisteredFunction{{file, name, line, attributes}, body});
+    CRegistry& registry = CRegistry::get();
+    registry.add(group, RegisteredFunction{{file, registry.nameOf(name), line, attributes}, body});
+}
+
+CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
+                             void (*body)(), AllAttributes const& attributes)
+{
+    addSpecial({file, name, line, attributes.basic}, group, attributes, body, nullptr, nullptr,
+               nullptr);
 }
 
 CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
                              CTestItem* (*make)(), Attributes attributes)
 {
-    CRegistry::get().add(group, RegisteredFixture{{file, name, line, attributes}, make});
+    CRegistry& registry = CRegistry::get();
+    registry.add(group, RegisteredFixture{{file, registry.nameOf(name), line, attributes}, make});
+}
+
+CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
+                             CTestItem* (*make)(), AllAttributes const& attributes)
+{
+    addSpecial({file, name, line, attributes.basic}, group, attributes, nullptr, make, nullptr,
+               nullptr);
+}
+
+CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
+                             ListTests* list, char const* types, AllAttributes const& attributes)
+{
+    addSpecial({file, name, line, attributes.basic}, group, attributes, nullptr, nullptr, list,
+               types);
+}
+
+CRegistration::CRegistration(char const* file, int line, char const* group, char const* name,
+                             ListTests* list, char const* types, Attributes attributes)
+    : CRegistration(file, line, group, name, list, types, withoutRareOnes(attributes))
+{
 }
 
 CRegistry& CRegistry::get()
@@ -68,6 +114,26 @@ CRegistry& CRegistry::get()
 // The root group is made first, so that it outlives the registry.
 CRegistry::CRegistry() : m_root(CTestItemGroup::global())
 {
+}
+
+char const* CRegistry::nameOf(char const* name)
+{
+    return isLiteral(name) ? m_names.emplace_back(shownName(literalText(name))).c_str() : name;
+}
+
+/// The group keeps the place that its first test has in the order of declaration.
+void CRegistry::add(std::string_view group, GroupFixture const& fixture)
+{
+    std::string const path = withoutBlanks(group);
+    auto const known = m_groups.find(path);
+    if (known == m_groups.end())
+    {
+        m_fixtures[path].push_back(fixture);
+    }
+    else
+    {
+        known->second->addFixture(fixture);
+    }
 }
 
 void CRegistry::throwInvalidNames()
@@ -118,17 +184,33 @@ zel::P<CRegisteredGroup> CRegistry::makeGroup(std::string const& path,
                                               SourceLocation const& location)
 {
     std::size_t const dot = path.rfind('.');
-    if (dot == std::string::npos)
+    CRegisteredGroup* const parent =
+        dot == std::string::npos ? nullptr : &groupAt(path.substr(0, dot), location);
+    auto group = zel::newObj<CRegisteredGroup>(parent, path, location, &throwIfNamesAreInvalid);
+    if (parent == nullptr)
     {
-        auto group =
-            zel::newObj<CRegisteredGroup>(nullptr, path, location, &throwIfNamesAreInvalid);
         m_root->addFactory(zel::newObj<CGroupFactory>(group));
-        return group;
     }
-    CRegisteredGroup& parent = groupAt(path.substr(0, dot), location);
-    auto group = zel::newObj<CRegisteredGroup>(&parent, path, location, &throwIfNamesAreInvalid);
-    parent.addGroup(group);
+    else
+    {
+        parent->addGroup(group);
+    }
+    addFixtures(*group);
     return group;
+}
+
+void CRegistry::addFixtures(CRegisteredGroup& group)
+{
+    auto const found = m_fixtures.find(group.getPath());
+    if (found == m_fixtures.end())
+    {
+        return;
+    }
+    for (GroupFixture const& fixture : found->second)
+    {
+        group.addFixture(fixture);
+    }
+    m_fixtures.erase(found);
 }
 
 } // namespace qix::detail

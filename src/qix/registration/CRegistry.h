@@ -7,9 +7,11 @@
 
 #include <atomic>
 #include <cstddef>
+#include <deque>
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qix::detail
 {
@@ -32,6 +34,13 @@ public:
         ++m_testCount;
     }
 
+    /// Gives the group an object that its tests share.
+    void add(std::string_view group, GroupFixture const& fixture);
+
+    /// The name that a macro was given: an identifier as it is, a literal as its text, which lives
+    /// as long as the registry.
+    char const* nameOf(char const* name);
+
     /// Throws a CError that lists all invalid names, if there are any.
     void throwInvalidNames();
 
@@ -41,10 +50,13 @@ private:
     std::string listAllInvalidNames() const;
     CRegisteredGroup& groupOf(std::string_view text, SourceLocation const& location);
     CRegisteredGroup& groupAt(std::string const& path, SourceLocation const& location);
+    void addFixtures(CRegisteredGroup& group);
     zel::P<CRegisteredGroup> makeGroup(std::string const& path, SourceLocation const& location);
 
     zel::P<CTestItemGroup> m_root;
-    std::map<std::string, zel::P<CRegisteredGroup>> m_groups; ///< by path
+    std::map<std::string, zel::P<CRegisteredGroup>> m_groups;    ///< by path
+    std::map<std::string, std::vector<GroupFixture>> m_fixtures; ///< of groups without a test yet
+    std::deque<std::string> m_names;                             ///< those of literals
     std::size_t m_testCount = 0;
 
     /// How many tests there were when all names were valid. Atomic, since groups may belong to

@@ -1,6 +1,8 @@
 #include "registration/CTestMaker.h"
 
 #include "guards/posix/CForkLock.h"
+#include "registration/CGroupRun.h"
+#include "registration/CTestLister.h"
 #include "testing/CTestContext.h"
 
 #include <cstddef>
@@ -35,6 +37,9 @@ public:
     }
 
     static void operator delete(void* /*test*/) noexcept {}
+
+protected:
+    void setUp() override { CGroupRun::prepareTest(); }
 };
 
 /// A test whose body is a function.
@@ -90,6 +95,11 @@ zel::P<ITestItem> CTestMaker::make(RegisteredFunction const& test)
 zel::P<ITestItem> CTestMaker::make(RegisteredFixture const& test)
 {
     return makeItem<CFixtureTest>(test);
+}
+
+std::vector<zel::P<ITestItem>> CTestMaker::make(RegisteredSpecial const& test)
+{
+    return CTestLister(test).list();
 }
 
 void CTestMaker::locate(CTestItem& item, RegisteredTest const& test) noexcept

@@ -4,6 +4,8 @@
 
 #include "registration/RegisteredTest.h"
 
+#include <vector>
+
 namespace qix::detail
 {
 
@@ -13,6 +15,9 @@ class CTestMaker
 public:
     static zel::P<ITestItem> make(RegisteredFunction const& test);
     static zel::P<ITestItem> make(RegisteredFixture const& test);
+
+    /// The items of one macro.
+    static std::vector<zel::P<ITestItem>> make(RegisteredSpecial const& test);
 
     /// Tells the item where the test is written.
     static void locate(CTestItem& item, RegisteredTest const& test) noexcept;

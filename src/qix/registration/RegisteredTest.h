@@ -3,6 +3,8 @@
 #include <qix/SourceLocation.h>
 #include <qix/detail/registration.h>
 
+#include <memory>
+
 namespace qix::detail
 {
 
@@ -28,5 +30,18 @@ struct RegisteredFixture : RegisteredTest
 {
     CTestItem* (*make)();
 };
+
+/// What only few tests are: one with rare attributes, or several of one macro. One of the three
+/// functions is not null.
+struct RegisteredSpecial : RegisteredTest
+{
+    AllAttributes all;
+    void (*body)();
+    CTestItem* (*make)();
+    ListTests* list;
+    char const* types; ///< for the list
+};
+
+using RegisteredSpecialPtr = std::unique_ptr<RegisteredSpecial const>;
 
 } // namespace qix::detail

@@ -44,6 +44,11 @@ NamedChild named(RegisteredTest const& test)
     return {test.name, test.getLocation(), false};
 }
 
+NamedChild named(RegisteredSpecialPtr const& test)
+{
+    return named(*test);
+}
+
 NamedChild named(zel::P<CRegisteredGroup> const& group)
 {
     std::string_view const path = group->getPath();

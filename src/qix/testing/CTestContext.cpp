@@ -91,10 +91,12 @@ CTestContext::CTestContext(ITestItem& item, ITestRunner* runner) noexcept
     enter();
 }
 
-CTestContext::CTestContext(CTestContext const& body, CSections& sections) noexcept
-    : CTestContext(body.m_item, body.m_runner)
+CTestContext::CTestContext(CTestContext const& outer, CSections* sections) noexcept
+    : CTestContext(outer.m_item, outer.m_runner)
 {
-    m_sections = &sections;
+    m_about = outer.m_about;
+    m_hasFailedAsExpected = outer.m_hasFailedAsExpected;
+    m_sections = sections;
 }
 
 CTestContext::~CTestContext()
@@ -245,15 +247,19 @@ bool CTestContext::isKnownFromEarlierPass(CheckFailure const& failure) const
                        });
 }
 
-void CTestContext::noteLocked(CheckFailure const& failure)
+void CTestContext::noteLocked(CheckFailure failure)
 {
+    if (m_about != nullptr && !m_about->empty())
+    {
+        failure.values += (failure.values.empty() ? "" : "\n") + *m_about;
+    }
     if (isKnownFromEarlierPass(failure))
     {
         return;
     }
     if (m_failures.size() < listedFailures)
     {
-        m_failures.push_back(failure);
+        m_failures.push_back(std::move(failure));
     }
     ++m_failureCount;
 }
@@ -391,7 +397,7 @@ void CTestContext::runSubTest(std::string const& name, detail::CFunctionRef row,
     {
         return;
     }
-    CTestContext run(m_item, m_runner);
+    CTestContext run(*this, nullptr);
     run.runPasses([&] { run.tryStep("it", row); });
     endSubTest(run);
 }
@@ -429,6 +435,12 @@ void CTestContext::endSubTest(CTestContext& subTest)
 
 void CTestContext::endFailedSubTest(CTestContext const& subTest)
 {
+    if (m_hasFailedAsExpected != nullptr)
+    {
+        *m_hasFailedAsExpected = true;
+        m_runner->endSubTest_Success();
+        return;
+    }
     if (subTest.hasOnlyAnError())
     {
         m_runner->endSubTest_Failed(*subTest.m_error->exception);

@@ -43,8 +43,9 @@ public:
     /// The run of a test.
     CTestContext(ITestItem& item, ITestRunner* runner) noexcept;
 
-    /// The run of a section inside \p body, to whose \p sections it belongs.
-    CTestContext(CTestContext const& body, CSections& sections) noexcept;
+    /// The run of a sub-test inside of another run.
+    /// \param sections  those that it belongs to if it is a section; null for a row
+    CTestContext(CTestContext const& outer, CSections* sections) noexcept;
 
     CTestContext(CTestContext const&) = delete;
     CTestContext& operator=(CTestContext const&) = delete;
@@ -79,6 +80,14 @@ public:
     /// Calls \p step and keeps what it throws. True when it returned.
     /// \param name  what messages call the step
     bool tryStep(char const* name, detail::CFunctionRef step);
+
+    /// Each failure tells this, too, unless it is empty.
+    /// \param about  outlives the run
+    void tellAbout(std::string const& about) noexcept { m_about = &about; }
+
+    /// A sub-test that fails does not do so for the runner, but sets the flag.
+    /// \param hasFailed  outlives the run
+    void expectFailure(bool& hasFailed) noexcept { m_hasFailedAsExpected = &hasFailed; }
 
     /// Calls what makes up the test, again and again until all sections in it have run.
     void runPasses(detail::CFunctionRef pass);
@@ -132,7 +141,7 @@ private:
     void keepOutcome(Thrown const& thrown);
     void noteThrown(char const* step, std::string const& what);
     bool isKnownFromEarlierPass(CheckFailure const& failure) const;
-    void noteLocked(CheckFailure const& failure);
+    void noteLocked(CheckFailure failure);
     bool hasOnlyAnError() const noexcept;
 
     void setObject(CTestItem const* object) noexcept;
@@ -141,6 +150,8 @@ private:
     ITestRunner* m_runner;
     CTestItem const* m_object = nullptr; ///< what is made for this run
     bool m_awaitsObject = false;
+    std::string const* m_about = nullptr;
+    bool* m_hasFailedAsExpected = nullptr; ///< null unless failures are expected
     CTestContext* m_outerOfThread = nullptr;
     CTestContext* m_outerOfProcess = nullptr;
     bool m_isCurrent = false;

@@ -36,32 +36,28 @@ CTestItem::~CTestItem() = default;
 
 void CTestItem::run(ITestRunner* runner)
 {
-    if (m_isMadeForRun)
+    auto const callHooks = [this](CTestContext& run)
     {
-        if (CTestContext* const run = CTestContext::ofObject(*this))
+        if (run.tryStep("clean", [this] { clean(); }))
         {
-            callHooks(*run);
-            return;
+            if (run.tryStep("setUp", [this] { setUp(); }))
+            {
+                run.tryStep("the body", [this] { body(); });
+            }
+            run.tryStep("tearDown", [this] { tearDown(); });
+            run.tryStep("clean", [this] { clean(); });
         }
+    };
+    if (CTestContext* const run = CTestContext::ofObject(*this))
+    {
+        callHooks(*run);
+        return;
     }
     m_logLines.clear();
     CHiddenInfos const hidden;
     CTestContext run(*this, runner);
     run.runPasses([&] { callHooks(run); });
     run.finish();
-}
-
-void CTestItem::callHooks(CTestContext& run)
-{
-    if (run.tryStep("clean", [this] { clean(); }))
-    {
-        if (run.tryStep("setUp", [this] { setUp(); }))
-        {
-            run.tryStep("the body", [this] { body(); });
-        }
-        run.tryStep("tearDown", [this] { tearDown(); });
-        run.tryStep("clean", [this] { clean(); });
-    }
 }
 
 void CTestItem::getSubItems(std::vector<zel::P<ITestItem>>& out)

@@ -336,4 +336,67 @@ QIX_TEST(accepted, whateverCanBeDescribedCanBeLogged)
     log(std::string_view("text"));
 }
 
+struct CShared
+{
+    int m_uses = 0;
+};
+
+QIX_GROUP_FIXTURE(accepted, CShared);
+
+QIX_TEST(accepted, "any text", Disabled("why"), Tags("one", "two"), ShouldFail)
+{
+    ++qix::groupFixture<CShared>().m_uses;
+}
+
+QIX_TEST(accepted, sections, Tags())
+{
+    for (int i = 0; i < 2; ++i)
+    {
+        QIX_SECTION("outer " + std::to_string(i))
+        {
+            QIX_SECTION("inner")
+            {
+                QIX_CHECK(i < 2);
+            }
+        }
+    }
+}
+
+QIX_TEST_TYPED(accepted, typed, (int, std::vector<std::pair<int, long>>))
+{
+    QIX_CHECK(sizeof(TypeParam) > 1);
+}
+
+template <typename T>
+class CTypedFixture : public qix::CTestItem
+{
+protected:
+    T m_value = {};
+};
+
+QIX_TEST_TYPED_F(CTypedFixture, accepted, typedFixture, (int, double), Long)
+{
+    QIX_CHECK(this->m_value < 1);
+}
+
+std::vector<bool> makeFlags()
+{
+    return {true, false};
+}
+
+QIX_TEST_EACH(accepted, each, makeFlags())
+{
+    QIX_CHECK(param);
+}
+
+QIX_TEST_EACH(accepted, eachUnused, qix::values(1L, 2))
+{
+}
+
+QIX_TEST_EACH_F(CTypedFixture<int>, accepted, eachFixture,
+                qix::combine(qix::values(1), qix::values("a", "b")), Long)
+{
+    QIX_CHECK(std::get<0>(param) == m_value + 1);
+}
+
 } // namespace accepted

@@ -38,8 +38,12 @@ QIX_TEST(rejected, attribute, Quick)
 QIX_TEST(rejected, twoDurations, Short, Long)
 {
 }
-#elif defined QIX_REJECTED_threeAttributes
-QIX_TEST(rejected, threeAttributes, Short, Interactive, Long)
+#elif defined QIX_REJECTED_twoDurationsAmongOthers
+QIX_TEST(rejected, twoDurationsAmongOthers, Short, Interactive, Tags("net"), Long)
+{
+}
+#elif defined QIX_REJECTED_nineTags
+QIX_TEST(rejected, nineTags, Tags("1", "2", "3", "4", "5", "6", "7", "8", "9"))
 {
 }
 #endif

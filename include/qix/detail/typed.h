@@ -1,0 +1,42 @@
+#pragma once
+
+#include <qix/detail/registration.h>
+
+#include <cstddef>
+#include <string_view>
+
+namespace qix::detail
+{
+
+/// The name of the type of this number among those that a macro was given, as it is written there.
+QIX_EXPORT std::string_view nameOfType(char const* types, std::size_t number);
+
+template <typename Test>
+void callTyped(void const* /*param*/)
+{
+    Test::body();
+}
+
+template <typename Test>
+CTestItem* makeTyped(void const* /*param*/)
+{
+    return new Test;
+}
+
+/// Lists a test for each of the types.
+template <template <typename> class Test, typename... Type>
+void listTyped(CTestList& list)
+{
+    std::size_t number = 0;
+    (list.add(nameOfType(list.getTypes(), number++), "", &callTyped<Test<Type>>, nullptr), ...);
+}
+
+/// \copydoc listTyped
+template <template <typename> class Test, typename... Type>
+void listTypedFixtures(CTestList& list)
+{
+    std::size_t number = 0;
+    (list.add(nameOfType(list.getTypes(), number++), "", &makeTyped<Test<Type>>, nullptr), ...);
+}
+
+} // namespace qix::detail
