@@ -9,11 +9,13 @@
 #include <qix/attributes.h>
 #include <qix/detail/attempt.h>
 #include <qix/detail/check.h>
+#include <qix/detail/death.h>
 #include <qix/detail/each.h>
 #include <qix/detail/failure.h>
 #include <qix/detail/info.h>
 #include <qix/detail/macros.h>
 #include <qix/detail/matching.h>
+#include <qix/detail/reason.h>
 #include <qix/detail/registration.h>
 #include <qix/detail/section.h>
 #include <qix/detail/typed.h>
@@ -128,12 +130,44 @@
 /// does: `QIX_CAPTURE(i, name.size())`.
 #define QIX_CAPTURE(...) QIX_DETAIL_CAPTURE(#__VA_ARGS__, __VA_ARGS__)
 
-/// Ends the test, which does not apply here. QIX_SKIP(reason) tells why, which goes to the log
-/// file.
-#define QIX_SKIP(...) ::qix::detail::skip(__VA_ARGS__)
+/// Checks that the statement ends the process by a signal: `QIX_CHECK_DIES(f(), SIGABRT)`.
+///
+/// It is run in a forked process, so that nothing that it does is seen here; standard input and
+/// output lead nowhere there. With a third argument, what the statement has written to standard
+/// error has to contain that text, or to be matched by that matcher. A statement with commas needs
+/// parentheses. A failure is noted, and tells how the statement ended instead. As in every process
+/// that is forked from several threads, the statement must not need what another thread may hold.
+/// Throws zel::CError when there can be no process.
+#define QIX_CHECK_DIES(statement, ...)                                                             \
+    QIX_DETAIL_CHECK_END(notesFailure, "QIX_CHECK_DIES(" #statement ", " #__VA_ARGS__ ")",         \
+                         BySignal, statement, __VA_ARGS__)
 
-/// Ends the test without a verdict. The message goes to the log file.
-#define QIX_ABORT(message) ::qix::detail::abort(message)
+/// Checks that the statement ends the process by a signal, as QIX_CHECK_DIES does. A failure ends
+/// the test.
+#define QIX_REQUIRE_DIES(statement, ...)                                                           \
+    QIX_DETAIL_CHECK_END(endsTest, "QIX_REQUIRE_DIES(" #statement ", " #__VA_ARGS__ ")", BySignal, \
+                         statement, __VA_ARGS__)
+
+/// Checks that the statement ends the process with a status: `QIX_CHECK_EXITS(f(), 2)`. It is run
+/// as that of QIX_CHECK_DIES. Functions that the statement registers for the end of the process are
+/// called; those that were registered before are not.
+#define QIX_CHECK_EXITS(statement, ...)                                                            \
+    QIX_DETAIL_CHECK_END(notesFailure, "QIX_CHECK_EXITS(" #statement ", " #__VA_ARGS__ ")",        \
+                         WithStatus, statement, __VA_ARGS__)
+
+/// Checks that the statement ends the process with a status, as QIX_CHECK_EXITS does. A failure
+/// ends the test.
+#define QIX_REQUIRE_EXITS(statement, ...)                                                          \
+    QIX_DETAIL_CHECK_END(endsTest, "QIX_REQUIRE_EXITS(" #statement ", " #__VA_ARGS__ ")",          \
+                         WithStatus, statement, __VA_ARGS__)
+
+/// Ends the test, which does not apply here. QIX_SKIP(reason) tells why, which goes to the log
+/// file; more of the reason may follow: `QIX_SKIP("no ") << device`.
+#define QIX_SKIP(...) ::qix::detail::skipsTest& ::qix::detail::makeReason(__VA_ARGS__)
+
+/// Ends the test without a verdict. The message goes to the log file; more of it may follow, as
+/// behind QIX_SKIP.
+#define QIX_ABORT(message) ::qix::detail::abortsTest& ::qix::detail::makeReason(message)
 
 // A variadic macro whose last argument is left out is standard from C++20 on only; both compilers
 // have always taken it, and tell so under -Wpedantic unless the macro comes from the system.

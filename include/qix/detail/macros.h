@@ -23,6 +23,12 @@
         ? ::qix::detail::notePassedCheck(__FILE__, __LINE__)                                       \
         : QIX_DETAIL_FAILURE(Ending, text)
 
+#define QIX_DETAIL_CHECK_END(Ending, text, end, statement, ...)                                    \
+    ::qix::detail::endsProcess(                                                                    \
+        ::qix::detail::ProcessEnd::end, [&] { statement; }, __VA_ARGS__)                           \
+        ? static_cast<void>(0)                                                                     \
+        : QIX_DETAIL_FAILURE(Ending, text)
+
 #define QIX_DETAIL_FAIL(Ending, message) QIX_DETAIL_FAILURE(Ending, nullptr) << (message)
 
 // Begins a loop that tries a statement, and goes round once more for the message of the failure,

@@ -117,3 +117,8 @@ std::string qix::takeKeptText()
 {
     return std::exchange(qix::detail::keptText, std::string());
 }
+
+void qix::keepText(std::string text)
+{
+    qix::detail::keptText = std::move(text);
+}
