@@ -2,7 +2,8 @@
 // any std::exception does.
 //
 // What a mock itself finds wrong, it reports where nothing can be thrown without ending the
-// process, in its destructor say: the next example shows how such failures are told.
+// process, in its destructor say: the next example shows how such failures are told. It also shows
+// what GTEST_SKIP and death tests need, which do not do what they say here.
 
 #include <qix/main.h>
 #include <qix/test.h>

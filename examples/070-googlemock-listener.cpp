@@ -1,6 +1,6 @@
 // GoogleMock and GoogleTest in the body of a test, by a listener that notes their failures as those
-// of checks. Nothing is thrown, so that expectations that are never met are reported, too: by the
-// destructor of the mock.
+// of checks. Nothing is thrown for these, so that expectations that are never met are reported,
+// too: by the destructor of the mock. GTEST_SKIP skips the test, and death tests run.
 
 #include <qix/main.h>
 #include <qix/test.h>
@@ -8,17 +8,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
 namespace
 {
 
-/// Notes each failure in the qix test that is running.
+/// Notes each failure in the qix test that is running, and lets it end when it is skipped.
 class CFailureListener : public testing::EmptyTestEventListener
 {
 public:
     void OnTestPartResult(testing::TestPartResult const& result) override
     {
+        if (result.skipped())
+        {
+            QIX_SKIP(result.message());
+        }
         if (result.failed())
         {
             qix::noteFailure(result.file_name(), result.line_number(), result.message());
@@ -38,6 +43,11 @@ class CMockMailer : public IMailer
 public:
     MOCK_METHOD(bool, send, (std::string const& address, std::string const& text), (override));
 };
+
+/// What main() passes to the test in which all others run, and gets back.
+int argumentCount = 0;
+char** arguments = nullptr;
+int exitStatus = 2;
 
 /// Writes to everybody who owes money.
 void remind(IMailer& mailer, int debt)
@@ -72,12 +82,32 @@ QIX_TEST(reminder, failsByAssertions)
     ASSERT_EQ(2 + 2, 6);
 }
 
+QIX_TEST(reminder, isSkipped)
+{
+    GTEST_SKIP() << "there is no mail server";
+}
+
+QIX_TEST(reminder, diesWithoutAMailer)
+{
+    EXPECT_DEATH(std::abort(), "");
+}
+
+// Death tests have to be inside of a test of GoogleTest's: this one is all of them.
+TEST(all, run)
+{
+    exitStatus = qix::runMain(argumentCount, arguments);
+}
+
 int main(int argc, char** argv)
 {
     testing::InitGoogleMock(&argc, argv);
+    argumentCount = argc;
+    arguments = argv;
     // The listener takes the place of the one that prints.
     testing::TestEventListeners& listeners = testing::UnitTest::GetInstance()->listeners();
     delete listeners.Release(listeners.default_result_printer());
     listeners.Append(new CFailureListener);
-    return qix::runMain(argc, argv);
+    // What GoogleTest makes of it has been told already.
+    [[maybe_unused]] int const ofGoogleTest = RUN_ALL_TESTS();
+    return exitStatus;
 }

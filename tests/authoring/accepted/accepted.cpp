@@ -2,7 +2,9 @@
 
 #include <qix/test.h>
 
+#include <csignal>
 #include <cstddef>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <memory>
@@ -397,6 +399,23 @@ QIX_TEST_EACH_F(CTypedFixture<int>, accepted, eachFixture,
                 qix::combine(qix::values(1), qix::values("a", "b")), Long)
 {
     QIX_CHECK(std::get<0>(param) == m_value + 1);
+}
+
+QIX_TEST(accepted, death)
+{
+    int status = 3;
+    QIX_CHECK_EXITS(std::_Exit(status), 3);
+    QIX_CHECK_DIES(std::abort(), SIGABRT, "") << "more";
+    QIX_REQUIRE_EXITS(status = 4, 3);
+    QIX_REQUIRE_DIES(std::abort(), SIGABRT) << status;
+}
+
+QIX_TEST(accepted, reasons)
+{
+    int const one = 1;
+    if (one == 1)
+        QIX_SKIP("why ") << one;
+    one == 2 ? QIX_SKIP() : QIX_ABORT(std::string("why"));
 }
 
 } // namespace accepted
