@@ -16,6 +16,9 @@ class TReason
 {
 public:
     explicit TReason(T const* first) noexcept : m_first(first) {}
+    TReason(TReason const&) = delete;
+    TReason& operator=(TReason const&) = delete;
+    ~TReason() = default;
 
     template <typename U>
     TReason&& operator<<(U const& value) &&

@@ -36,7 +36,7 @@ private:
         (*reinterpret_cast<Row*>(row))();
     }
 
-    void* m_row;
+    void* m_row = nullptr;
     void (*m_call)(void*);
 };
 
