@@ -1,8 +1,8 @@
 #pragma once
 
 #include <qix/detail/check.h>
-#include <qix/detail/passedCheck.h>
 #include <qix/detail/matching.h>
+#include <qix/detail/passedCheck.h>
 
 namespace qix::detail
 {

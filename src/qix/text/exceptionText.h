@@ -13,8 +13,8 @@ std::string typeText(std::type_info const& type);
 /// The type of the exception and its message.
 std::string exceptionText(std::exception const& exception);
 
-/// The message of the exception being handled: what() of it, or the text that was thrown; empty when
-/// there is none.
+/// The message of the exception being handled: what() of it, or the text that was thrown; empty
+/// when there is none.
 std::string currentMessage();
 
 /// The type of the exception being handled and, when it has one, its message.
