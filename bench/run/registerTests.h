@@ -12,8 +12,8 @@ inline void registerTests(int count)
 {
     for (int i = 0; i < count; ++i)
     {
-        qix::detail::CRegistration const registration(__FILE__, i, "bench", keptTestName(i), [] {},
-                                                      {});
+        qix::detail::CRegistration const registration(
+            __FILE__, i, "bench", keptTestName(i), [] {}, qix::detail::Attributes());
     }
 }
 
