@@ -28,6 +28,8 @@ install(FILES
     "${PROJECT_BINARY_DIR}/qixConfig.cmake"
     "${PROJECT_BINARY_DIR}/qixConfigVersion.cmake"
     "${CMAKE_CURRENT_LIST_DIR}/wxWidgetsBase.cmake"
+    "${CMAKE_CURRENT_LIST_DIR}/QixDiscoverTests.cmake"
+    "${CMAKE_CURRENT_LIST_DIR}/QixAddTests.cmake"
     DESTINATION "${QIX_CMAKEDIR}" COMPONENT development)
 
 # The compiler flags of wx::base: Debian's wxWidgets has no file for pkg-config to refer to.

@@ -224,6 +224,24 @@ class Memory(OptionTest):
         self.assertRegex(output, r"\nSlowest tests, in seconds:\n +[0-9.]+  macros\.inner\.\w+\n\Z")
 
 
+class SkipStatus(OptionTest):
+    """What --skip-status says only when it is true."""
+
+    def status(self, *arguments):
+        return self.run_suite("--skip-status=77", "--run=macros.inner.plain", *arguments,
+                              OPTIONS_SKIP="plain").returncode
+
+    def test_a_run_without_its_output_or_its_report_is_not_skipped(self):
+        self.assertEqual(self.status(), 77)
+        self.assertEqual(self.status("--output-junit=/dev/full"), 2)
+        with open("/dev/full", "wb") as full:
+            result = subprocess.run(
+                [BINARY, "--skip-status=77", "--run=macros.inner.plain"], cwd=self.folder,
+                env={**os.environ, "OPTIONS_SKIP": "plain"}, stdin=subprocess.DEVNULL, stdout=full,
+                stderr=subprocess.DEVNULL, check=False)
+        self.assertEqual(result.returncode, 2)
+
+
 class Colors(OptionTest):
     """What a terminal sees."""
 

@@ -41,6 +41,10 @@ void work(std::string const& what)
     {
         raise(SIGKILL);
     }
+    if (isWanted("OPTIONS_SKIP", what))
+    {
+        throw qix::CTestSkippedException();
+    }
     if (isWanted("OPTIONS_FAIL", what))
     {
         throw std::runtime_error("as wanted");

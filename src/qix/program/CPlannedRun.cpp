@@ -74,6 +74,10 @@ int CPlannedRun::run()
     {
         return exitNoVerdict;
     }
+    if (passed && m_options.skipStatus && m_runner.hasOnlySkipped())
+    {
+        return *m_options.skipStatus;
+    }
     return passed ? exitAllPassed : exitNotAllPassed;
 }
 

@@ -414,6 +414,8 @@ void CPlannedRunner::close(RememberedTest::Outcome outcome)
     }
     Open const closed = std::move(m_open.back());
     m_open.pop_back();
+    bool const isTest = closed.isUnknown || m_plan->tree().isLeaf(closed.node);
+    m_hasTestPassed = m_hasTestPassed || (isTest && outcome == RememberedTest::Outcome::Passed);
     bool const hasFailed = closed.hasFailed || outcome == RememberedTest::Outcome::Failed;
     if (closed.isUnknown)
     {

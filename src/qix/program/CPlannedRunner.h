@@ -59,6 +59,9 @@ public:
     /// How many tests the last run has come to, whether they were let in or not.
     std::size_t reachedTests() const noexcept { return m_reachedTests; }
 
+    /// True when tests were come to, in the last run, and nothing but groups has passed in any run.
+    bool hasOnlySkipped() const noexcept { return m_reachedTests > 0 && !m_hasTestPassed; }
+
     /// For each node what the test took at most, in microseconds; 0 when it has not run.
     std::vector<std::uint64_t> const& times() const noexcept { return m_times; }
 
@@ -141,6 +144,7 @@ private:
     std::uint64_t m_failureLimit = UINT64_MAX;
     std::uint64_t m_failedTests = 0;
     std::size_t m_reachedTests = 0;
+    bool m_hasTestPassed = false;
 
     std::vector<Open> m_open;    ///< the root, and beside each of m_running what it is
     std::optional<Open> m_next;  ///< the item that is about to begin

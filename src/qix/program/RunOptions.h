@@ -59,6 +59,7 @@ struct RunOptions
     std::optional<std::uint64_t> repeat;
     std::optional<std::uint64_t> untilFail; ///< repeats so many times at most
     std::optional<std::uint64_t> durations; ///< tells so many tests that took longest
+    std::optional<int> skipStatus; ///< the exit status when tests ran and none passed or failed
     std::optional<Shard> shard;
     std::string eventsFile; ///< absolute; empty for none
     std::string junitFile;  ///< absolute; empty for none

@@ -1,5 +1,7 @@
 #include "program/optionTable.h"
 
+#include "guards/exitStatus.h"
+
 #include <cerrno>
 #include <cstring>
 #include <exception>
@@ -215,6 +217,19 @@ bool applyAnnotate(RunOptions& options, std::string const& value)
     return value == "github";
 }
 
+/// Statuses that mean something else already, here or to a shell, are not allowed.
+bool applySkipStatus(RunOptions& options, std::string const& value)
+{
+    constexpr std::uint64_t highest = 125;
+    auto const number = toNumber(value);
+    if (!number || *number <= exitNoVerdict || *number > highest)
+    {
+        return false;
+    }
+    options.skipStatus = static_cast<int>(*number);
+    return true;
+}
+
 bool applyShard(RunOptions& options, std::string const& value)
 {
     std::size_t const slash = value.find('/');
@@ -298,6 +313,10 @@ std::vector<Option> const& optionTable()
          Value::Required, applyTimes},
         {"durations", "[=N]", ", with N from 1 on",
          "Tells the N tests that took longest, by default 10.", Value::Optional, applyDurations},
+        {"skip-status", "=N", ", with N from 3 to 125",
+         "Ends with N instead of 0 when there were tests to run and none\n"
+         "passed: all were skipped or aborted.",
+         Value::Required, applySkipStatus},
         {"output-events", "=FILE", "", "Writes what happens to a file, as one JSON object a line.",
          Value::Required, applyOutputEvents},
         {"output-junit", "=FILE", "",

@@ -129,7 +129,7 @@ int statusWithOutputChecked(int status)
         return status;
     }
     printError("standard output could not be written; a part of it is lost.");
-    return status == exitAllPassed ? exitNoVerdict : status;
+    return status == exitNotAllPassed ? status : exitNoVerdict;
 }
 
 } // namespace

@@ -94,7 +94,7 @@ int run(std::string const& program, CTestSelection const& selection, RunOptions 
     plannedRun.record(historyFile, history);
     int const status = plannedRun.run();
     bool const areReportsComplete = reports.finish();
-    return status == exitAllPassed && !areReportsComplete ? exitNoVerdict : status;
+    return areReportsComplete || status == exitNotAllPassed ? status : exitNoVerdict;
 }
 
 /// \param diverted  ends when the tests are listed

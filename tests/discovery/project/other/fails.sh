@@ -1,0 +1,3 @@
+#!/bin/sh
+echo 'Error: "the; [database] ${is} missing"' >&2
+exit 3
