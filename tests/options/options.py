@@ -13,6 +13,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import xml.etree.ElementTree
 from pathlib import Path
 
 BINARY = None
@@ -240,6 +241,156 @@ class SkipStatus(OptionTest):
                 env={**os.environ, "OPTIONS_SKIP": "plain"}, stdin=subprocess.DEVNULL, stdout=full,
                 stderr=subprocess.DEVNULL, check=False)
         self.assertEqual(result.returncode, 2)
+
+
+class Bazel(OptionTest):
+    """The protocol by which Bazel runs tests."""
+
+    def run_bazel(self, *arguments, **variables):
+        """Names of files are relative, as from a program that Bazel did not start."""
+        return self.run_suite(*arguments, BAZEL_TEST="1", **variables)
+
+    def run_shard(self, index, total, *arguments, **variables):
+        result = self.run_bazel(*arguments, TEST_SHARD_INDEX=str(index),
+                                TEST_TOTAL_SHARDS=str(total), **variables)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return self.ran()
+
+    def left(self):
+        return sorted(file.name for file in self.folder.iterdir())
+
+    def cases(self):
+        root = xml.etree.ElementTree.parse(self.folder / "test.xml").getroot()
+        return {case.get("classname") + "." + case.get("name"): case
+                for case in root.iter("testcase")}
+
+    def test_without_bazel_nothing_is_looked_at(self):
+        variables = {name: "file" for name in (
+            "TEST_SHARD_STATUS_FILE", "TEST_SHARD_INDEX", "TEST_TOTAL_SHARDS", "XML_OUTPUT_FILE",
+            "TEST_PREMATURE_EXIT_FILE", "TESTBRIDGE_TEST_ONLY", "TESTBRIDGE_TEST_RUNNER_FAIL_FAST",
+            "TEST_RANDOM_SEED", "TEST_WARNINGS_OUTPUT_FILE", "TEST_TMPDIR",
+            "TEST_UNDECLARED_OUTPUTS_DIR")}
+        for bazel in ({}, {"BAZEL_TEST": "0"}, {"BAZEL_TEST": ""}):
+            result = self.run_suite("--run=macros.inner.plain", **variables, **bazel)
+            self.assertEqual((self.ran(), result.returncode), (["plain"], 0))
+            self.assertEqual(self.left(), ["ran.txt", "testWork"])
+            result = self.run_suite(**variables, **bazel)
+            self.assertEqual((self.ran(), result.returncode), ([], 2))
+
+    def test_without_an_argument_all_tests_run(self):
+        self.assertEqual(self.run_bazel().returncode, 0)
+        everything = self.ran()
+        self.run_suite("*")
+        self.assertEqual(self.ran(), everything)
+        self.run_bazel("+twice")
+        self.assertLess(len(self.ran()), len(everything))
+
+    def test_the_shard_status_file_is_touched_whatever_comes(self):
+        self.assertEqual(self.run_bazel("--bogus", TEST_SHARD_STATUS_FILE="sharded").returncode, 2)
+        self.assertEqual((self.folder / "sharded").read_bytes(), b"")
+
+    def test_shards_are_disjoint_and_complete(self):
+        self.run_bazel()
+        everything = self.ran()
+        shards = [self.run_shard(index, 4) for index in range(4)]
+        self.assertEqual(sorted(sum(shards, [])), sorted(everything))
+        self.assertTrue(all(shards))
+        self.assertEqual(self.run_shard(3, 4, "--shard=1/1"), everything)
+
+    def test_a_filter_counts_before_shards(self):
+        self.assertEqual(sum((self.run_shard(index, 2, TESTBRIDGE_TEST_ONLY="macros.inner.plain")
+                              for index in range(2)), []), ["plain"])
+        self.run_bazel(TESTBRIDGE_TEST_ONLY=":macros.inner.plain:macros.lasting:")
+        self.assertEqual(self.ran(), ["plain", "lasting"])
+        result = self.run_bazel(TESTBRIDGE_TEST_ONLY="nothing")
+        self.assertEqual((result.returncode, self.ran()), (2, []))
+        self.assertIn(b"no test matches 'nothing'", result.stderr)
+
+    def test_the_report_is_written_and_survives(self):
+        only = {"TESTBRIDGE_TEST_ONLY": "macros.inner", "XML_OUTPUT_FILE": "test.xml"}
+        self.assertEqual(self.run_bazel(**only, OPTIONS_FAIL="plain").returncode, 1)
+        self.assertIsNotNone(self.cases()["macros.inner.plain"].find("failure"))
+        self.assertIsNone(self.cases()["macros.inner.table"].find("failure"))
+        self.run_bazel(**only, OPTIONS_KILL="plain")
+        self.assertIsNotNone(self.cases()["macros.inner.plain"].find("error"))
+        self.assertIsNone(self.cases()["macros.inner.table"].find("error"))
+
+    def test_the_premature_exit_file_is_there_until_a_regular_end(self):
+        file = {"TEST_PREMATURE_EXIT_FILE": "premature"}
+        one = "--run=macros.inner.plain"
+        for arguments, more, status in (
+                ([one], {}, 0), ([one], {"OPTIONS_FAIL": "plain"}, 1), (["--help"], {}, 0),
+                (["--run=nothing"], {}, 2), (["--bogus"], {}, 2)):
+            (self.folder / "premature").write_text("of an earlier run")
+            self.assertEqual(self.run_bazel(*arguments, **file, **more).returncode, status)
+            self.assertFalse((self.folder / "premature").exists())
+        self.run_bazel(one, **file, OPTIONS_KILL="plain")
+        self.assertTrue((self.folder / "premature").exists())
+
+    def test_what_concerns_one_run_is_hidden_from_the_tests(self):
+        for name, value in (("TEST_PREMATURE_EXIT_FILE", "premature"),
+                            ("XML_OUTPUT_FILE", "test.xml"), ("TEST_SHARD_STATUS_FILE", "sharded"),
+                            ("TESTBRIDGE_TEST_ONLY", "macros.inner.plain"),
+                            ("TESTBRIDGE_TEST_RUNNER_FAIL_FAST", "1")):
+            self.run_bazel("--run=macros.inner.plain", **{name: value}, OPTIONS_TELL=name)
+            self.assertEqual(self.ran(), ["plain", name + " is not set"])
+        self.run_shard(0, 1, "--run=macros.inner.plain", OPTIONS_TELL="TEST_TOTAL_SHARDS")
+        self.assertEqual(self.ran(), ["plain", "TEST_TOTAL_SHARDS is not set"])
+
+    def test_fail_fast(self):
+        for value, ran in (("1", 1), ("0", 2), ("", 2)):
+            self.run_bazel("--run=macros.inner", "--skip=macros.inner.table.*", OPTIONS_FAIL="table",
+                           TESTBRIDGE_TEST_RUNNER_FAIL_FAST=value)
+            self.assertEqual(len(self.ran()), ran)
+
+    def test_the_seed_makes_the_order_random(self):
+        seed = {"TEST_RANDOM_SEED": "7"}
+        expected = self.run_suite("--run=macros", "--order=random:7").stdout
+        self.assertEqual(self.run_bazel("--run=macros", **seed).stdout, expected)
+        self.assertEqual(self.run_bazel("--run=macros", "--order=random", **seed).stdout, expected)
+        for order in ("random:8", "declared"):
+            self.assertEqual(
+                self.run_bazel("--run=macros", "--order=" + order, **seed).stdout,
+                self.run_suite("--run=macros", "--order=" + order).stdout)
+
+    def test_warnings_are_appended(self):
+        warnings = self.folder / "warnings"
+        warnings.write_text("another\n")
+        self.run_bazel("--run=macros.lasting", TEST_WARNINGS_OUTPUT_FILE="warnings")
+        self.assertEqual(warnings.read_text(), "another\nTOO QUICK: test macros.lasting was quicker "
+                                               "than expected (only 0 seconds).\n")
+
+    def test_the_working_folder_is_in_the_temporary_one(self):
+        self.run_bazel("--run=macros.inner", TEST_TMPDIR="temporary")
+        self.assertEqual(self.left(), ["ran.txt", "temporary"])
+        log = next((self.folder / "temporary").glob("*/testLog.txt"))
+        self.assertIn("plain", log.read_text())
+        self.run_bazel("--run=macros.inner", TEST_TMPDIR="unused", QIX_TESTWORKDIR="wanted")
+        self.assertEqual(self.left(), ["ran.txt", "temporary", "wanted"])
+
+    def test_the_log_is_among_the_outputs(self):
+        outputs = self.folder / "outputs"
+        outputs.mkdir()
+        self.run_bazel("--run=macros.inner", TEST_UNDECLARED_OUTPUTS_DIR="outputs",
+                       OPTIONS_KILL="plain")
+        self.assertIn("macros\n  inner\n", (outputs / "testLog.txt").read_text())
+        self.assertEqual(list(self.folder.glob("testWork/*/testLog.txt")), [])
+        (outputs / "testLog.txt").unlink()
+        (outputs / "testLog.txt").symlink_to("elsewhere")
+        result = self.run_bazel("--run=macros.inner", TEST_UNDECLARED_OUTPUTS_DIR="outputs")
+        self.assertEqual(result.returncode, 2)
+        self.assertIn(b"/outputs/testLog.txt' is refused: it is a symbolic link", result.stderr)
+
+    def test_the_log_of_a_run_inside_a_test_stays_in_its_folder(self):
+        (self.folder / "outputs").mkdir()
+        result = self.run_bazel("--run=macros.inner.plain", TEST_TMPDIR="temporary",
+                                TEST_UNDECLARED_OUTPUTS_DIR="outputs", OPTIONS_NESTED="1")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        nested = next((self.folder / "temporary").glob("*/nested/testLog.txt"))
+        self.assertIn("ofNestedRun", nested.read_text())
+        log = (self.folder / "outputs" / "testLog.txt").read_text()
+        self.assertIn("plain", log)
+        self.assertNotIn("ofNestedRun", log)
 
 
 class Colors(OptionTest):

@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -37,6 +38,11 @@ bool isWanted(char const* variable, std::string const& what)
 void work(std::string const& what)
 {
     note(what);
+    if (char const* const name = std::getenv("OPTIONS_TELL"))
+    {
+        char const* const value = std::getenv(name);
+        note(name + std::string(value == nullptr ? " is not set" : " is set"));
+    }
     if (isWanted("OPTIONS_KILL", what))
     {
         raise(SIGKILL);
@@ -110,6 +116,18 @@ private:
     std::vector<zel::String> m_lines;
 };
 
+/// A test of runners runs one in a folder of its own.
+void runInFolder(std::string const& name)
+{
+    std::filesystem::path const before = std::filesystem::current_path();
+    std::filesystem::create_directory(name);
+    std::filesystem::current_path(name);
+    qix::CConsoleTestRunner runner(group("", {leaf("ofNestedRun")}).get());
+    runner.handleSelectionInput("*");
+    runner.go();
+    std::filesystem::current_path(before);
+}
+
 Items namesOfEachByte()
 {
     Items items;
@@ -154,6 +172,10 @@ QIX_TEST(macros.inner, table)
 QIX_TEST(macros.inner, plain)
 {
     work("plain");
+    if (std::getenv("OPTIONS_NESTED") != nullptr)
+    {
+        runInFolder("nested");
+    }
 }
 
 QIX_TEST(macros, lasting, Long)

@@ -15,10 +15,11 @@ namespace qix
 namespace
 {
 
-/// One that people can type.
-std::uint64_t newSeed()
+/// A new one is one that people can type.
+std::uint64_t seedOf(RunOptions const& options)
 {
-    return std::random_device()();
+    std::optional<std::uint64_t> const seed = options.seed ? options.seed : options.defaultSeed;
+    return seed ? *seed : std::random_device()();
 }
 
 std::string inSeconds(std::uint64_t microseconds)
@@ -33,10 +34,7 @@ std::string inSeconds(std::uint64_t microseconds)
 
 CPlannedRun::CPlannedRun(RunOptions const& options, CTestSelection const& selection,
                          CPlannedRunner& runner)
-    : m_options(options),
-      m_selection(selection),
-      m_runner(runner),
-      m_seed(options.seed ? *options.seed : newSeed())
+    : m_options(options), m_selection(selection), m_runner(runner), m_seed(seedOf(options))
 {
     m_runner.setPlan(selection.plan(), selection.kept(), selection.dropped());
     if (options.failFast)

@@ -101,9 +101,9 @@ std::string withColumn(std::string text, std::string const& indent)
 
 } // namespace
 
-Arguments parseArguments(int argc, char** argv)
+Arguments parseArguments(int argc, char** argv, RunOptions const& defaults)
 {
-    Arguments arguments;
+    Arguments arguments{defaults, {}};
     bool optionsEnded = false;
     for (int i = std::min(argc, 1); i < argc; ++i)
     {

@@ -61,8 +61,13 @@ struct RunOptions
     std::optional<std::uint64_t> durations; ///< tells so many tests that took longest
     std::optional<int> skipStatus; ///< the exit status when tests ran and none passed or failed
     std::optional<Shard> shard;
-    std::string eventsFile; ///< absolute; empty for none
-    std::string junitFile;  ///< absolute; empty for none
+    std::optional<std::uint64_t> defaultSeed; ///< for random order without a seed of its own
+    std::string warningsFile;                 ///< absolute; warnings are appended; empty for none
+    std::string workFolder; ///< absolute; of the working folder, unless QIX_TESTWORKDIR tells it
+    std::string logFolder;  ///< absolute; empty for the working folder
+    std::string prematureExitFile; ///< absolute; is there until the run ends; empty for none
+    std::string eventsFile;        ///< absolute; empty for none
+    std::string junitFile;         ///< absolute; empty for none
     JUnitSchema junitSchema = JUnitSchema::Plain;
     bool annotatesForGithub = false;
     std::vector<std::string> given;  ///< the options as they were written
@@ -79,7 +84,8 @@ struct Arguments
 /// Sorts the arguments behind the program's name. One that begins with "--" and a letter is an
 /// option, up to a lone "--"; all others are selection lines. Reads the files that hold patterns.
 /// Throws std::runtime_error for an option that is unknown or has a wrong value.
-Arguments parseArguments(int argc, char** argv);
+/// \param defaults  what holds where no option says otherwise
+Arguments parseArguments(int argc, char** argv, RunOptions const& defaults);
 
 /// What --help prints about the options, a line or more for each.
 std::string describeOptions();

@@ -1,6 +1,7 @@
 #include "program/optionTable.h"
 
 #include "guards/exitStatus.h"
+#include "program/numbers.h"
 
 #include <cerrno>
 #include <cstring>
@@ -18,27 +19,6 @@ namespace
 {
 
 using Value = Option::Value;
-
-/// The number, or nothing when the text is no decimal number of 64 bits.
-std::optional<std::uint64_t> toNumber(std::string const& text)
-{
-    constexpr std::uint64_t highest = std::numeric_limits<std::uint64_t>::max();
-    std::uint64_t number = 0;
-    for (char const character : text)
-    {
-        if (character < '0' || character > '9')
-        {
-            return std::nullopt;
-        }
-        auto const digit = static_cast<std::uint64_t>(character - '0');
-        if (number > (highest - digit) / 10)
-        {
-            return std::nullopt;
-        }
-        number = 10 * number + digit;
-    }
-    return text.empty() ? std::nullopt : std::optional<std::uint64_t>(number);
-}
 
 /// Notes a number from 1 on. False when the text is none.
 bool applyCount(std::optional<std::uint64_t>& count, std::string const& value)

@@ -4,7 +4,9 @@
 #include "guards/posix/CCrashGuard.h"
 #include "guards/posix/CExitGuard.h"
 #include "program/RunOptions.h"
+#include "program/bazelProtocol.h"
 #include "program/posix/CFileSizeLimit.h"
+#include "program/posix/CPrematureExitFile.h"
 #include "program/posix/standardDescriptors.h"
 #include "program/posix/standardInput.h"
 #include "program/printError.h"
@@ -16,6 +18,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -108,9 +111,12 @@ int runArguments(Arguments& arguments, std::string const& program)
 int parseAndRun(int argc, char** argv)
 {
     Arguments arguments;
+    std::optional<CPrematureExitFile> prematureExitFile;
     try
     {
-        arguments = parseArguments(argc, argv);
+        RunOptions const defaults = readBazelProtocol();
+        prematureExitFile.emplace(defaults.prematureExitFile);
+        arguments = parseArguments(argc, argv, defaults);
     }
     catch (std::exception const& e)
     {

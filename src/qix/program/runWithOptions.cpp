@@ -11,11 +11,14 @@
 #include "program/posix/CDivertedOutput.h"
 #include "program/printError.h"
 #include "runner/consoleColors.h"
+#include "runner/posix/logFile.h"
 #include "runner/posix/workDirectory.h"
 #include "runner/startUp.h"
+#include "runner/warnings.h"
 #include "selection/testIds.h"
 #include "text/messageOf.h"
 
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <optional>
@@ -87,6 +90,8 @@ ReportContext makeContext(std::string const& program, RunOptions const& options,
 int run(std::string const& program, CTestSelection const& selection, RunOptions const& options,
         CPlannedRunner& runner, std::string const& historyFile, RunHistory const& history)
 {
+    setWarningsFile(options.warningsFile);
+    divertLogs(options.logFolder);
     CReportSet reports(options, makeContext(program, options, selection, runner));
     bool const isColored = options.any && hasColors(options.color);
     consoleColors = isColored ? withColors : withoutColors;
@@ -123,6 +128,10 @@ int runWithOptions(Arguments const& arguments, std::string const& program)
     if (arguments.options.listing != RunOptions::Listing::None)
     {
         diverted.emplace();
+    }
+    if (!arguments.options.workFolder.empty())
+    {
+        setenv("QIX_TESTWORKDIR", arguments.options.workFolder.c_str(), 0);
     }
     if (!enterWorkDirectory())
     {

@@ -11,6 +11,7 @@
 #include "runner/filters.h"
 #include "runner/indent.h"
 #include "runner/nullItem.h"
+#include "runner/warnings.h"
 #include "text/messageOf.h"
 
 #include <cstddef>
@@ -150,21 +151,31 @@ void endItem(CConsoleTestRunner& runner, Records const& running, ITestItem* item
     }
 }
 
+void warn(std::string const& warning)
+{
+    std::printf("\n\n%s\n", warning.c_str());
+    std::fflush(stdout);
+    noteWarning(warning);
+}
+
 void warnAboutDuration(CConsoleTestRunner const& runner, ITestItem::Duration duration,
                        std::time_t elapsed)
 {
     ExpectedTime const expected = expectedTimeOf(duration);
+    if (elapsed >= expected.shortest && elapsed <= expected.longest)
+    {
+        return;
+    }
+    std::string const test = runner.getTestBreadcrumbs().c_str(); // ends at a null byte
+    std::string const seconds = std::to_string(static_cast<int>(elapsed));
     if (elapsed < expected.shortest)
     {
-        std::printf("\n\nTOO QUICK: test %s was quicker than expected (only %d seconds).\n",
-                    runner.getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));
-        std::fflush(stdout);
+        warn("TOO QUICK: test " + test + " was quicker than expected (only " + seconds +
+             " seconds).");
     }
-    else if (elapsed > expected.longest)
+    else
     {
-        std::printf("\n\nTOO SLOW: test %s was slower than expected (%d seconds).\n",
-                    runner.getTestBreadcrumbs().c_str(), static_cast<int>(elapsed));
-        std::fflush(stdout);
+        warn("TOO SLOW: test " + test + " was slower than expected (" + seconds + " seconds).");
     }
 }
 

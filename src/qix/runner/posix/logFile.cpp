@@ -56,17 +56,50 @@ bool isOpenLog(struct stat const& status)
                        { return log.device == status.st_dev && log.inode == status.st_ino; });
 }
 
+/// Where the logs of which folder are opened.
+struct Diversion
+{
+    std::filesystem::path from;
+    std::filesystem::path to;
+};
+
+Diversion& diversion()
+{
+    static Diversion only;
+    return only;
+}
+
+/// Empty when the folder is gone.
+std::filesystem::path currentFolder()
+{
+    std::error_code ignored;
+    return std::filesystem::current_path(ignored);
+}
+
+/// A test that runs a runner of its own in another folder has its log there.
+std::string pathOfLog(char const* name)
+{
+    bool const isDiverted = !diversion().to.empty() && diversion().from == currentFolder();
+    return isDiverted ? (diversion().to / name).string() : name;
+}
+
+std::string folderOf(std::string const& path)
+{
+    std::string const folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
 /// What the owner of the folder has put there, nobody else can lose. On some network file systems
 /// all files belong to one user, whoever makes them.
-bool belongsToSomebodyElse(struct stat const& status)
+bool belongsToSomebodyElse(std::string const& path, struct stat const& status)
 {
     struct stat folder = {};
     return status.st_uid != geteuid() &&
-           (stat(".", &folder) != 0 || status.st_uid != folder.st_uid);
+           (stat(folderOf(path).c_str(), &folder) != 0 || status.st_uid != folder.st_uid);
 }
 
 /// Null for a file that may be written, and for what cannot be opened anyway.
-char const* reasonToRefuse(struct stat const& status)
+char const* reasonToRefuse(std::string const& path, struct stat const& status)
 {
     switch (status.st_mode & S_IFMT)
     {
@@ -82,35 +115,34 @@ char const* reasonToRefuse(struct stat const& status)
         {
             return "another run of this process is writing it";
         }
-        return belongsToSomebodyElse(status) ? "it belongs to another user" : nullptr;
+        return belongsToSomebodyElse(path, status) ? "it belongs to another user" : nullptr;
     default:
         return nullptr;
     }
 }
 
-[[noreturn]] void throwRefused(char const* name, char const* reason)
+[[noreturn]] void throwRefused(std::string const& path, char const* reason)
 {
-    std::error_code ignored;
-    std::string const folder = std::filesystem::current_path(ignored).string();
-    throw CLogRefusedError(decodedText("the log '" + folder + "/" + name + "' is refused: " +
-                                       reason + ". Let QIX_TESTWORKDIR name another folder."));
+    std::string const whole = path[0] == '/' ? path : currentFolder().string() + "/" + path;
+    throw CLogRefusedError(decodedText("the log '" + whole + "' is refused: " + reason +
+                                       ". Let QIX_TESTWORKDIR name another folder."));
 }
 
 /// Looks at what it has opened, since the name may lead to another file a moment later. Nothing
 /// waits for the reader of a pipe, and nothing is emptied before the look.
-std::FILE* openProtected(char const* name)
+std::FILE* openProtected(std::string const& path)
 {
     constexpr mode_t readableAndWritable = 0666;
-    int const descriptor =
-        open(name, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, readableAndWritable);
+    int const descriptor = open(
+        path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, readableAndWritable);
     FilePointer log(descriptor == -1 ? nullptr : fdopen(descriptor, "w"), &std::fclose);
     struct stat status = {};
     bool const isThere =
-        log == nullptr ? lstat(name, &status) == 0 : fstat(descriptor, &status) == 0;
-    char const* const reason = isThere ? reasonToRefuse(status) : nullptr;
+        log == nullptr ? lstat(path.c_str(), &status) == 0 : fstat(descriptor, &status) == 0;
+    char const* const reason = isThere ? reasonToRefuse(path, status) : nullptr;
     if (reason != nullptr)
     {
-        throwRefused(name, reason);
+        throwRefused(path, reason);
     }
     bool const isEmpty = log != nullptr && ftruncate(descriptor, 0) == 0;
     return isEmpty ? log.release() : nullptr;
@@ -128,9 +160,15 @@ CLogProtection::~CLogProtection()
     --protections;
 }
 
+void divertLogs(std::string const& folder)
+{
+    diversion() = {currentFolder(), folder};
+}
+
 std::FILE* openLogFile(char const* name)
 {
-    std::FILE* const log = protections > 0 ? openProtected(name) : std::fopen(name, "w");
+    std::string const path = pathOfLog(name);
+    std::FILE* const log = protections > 0 ? openProtected(path) : std::fopen(path.c_str(), "w");
     noteOpenLog(log);
     noteLogOpened(log);
     return log;

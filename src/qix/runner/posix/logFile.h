@@ -3,6 +3,7 @@
 #include <zel/CError.h>
 
 #include <cstdio>
+#include <string>
 
 namespace qix
 {
@@ -27,8 +28,12 @@ public:
     CLogProtection& operator=(CLogProtection const&) = delete;
 };
 
-/// Opens the file, empty, in the current folder. Null when that fails.
-/// Throws CLogRefusedError when the file is refused.
+/// Lets the logs of the folder that is the current one now be opened in another one; empty for the
+/// same one.
+void divertLogs(std::string const& folder);
+
+/// Opens the file, empty, in the current folder or where its logs are diverted to. Null when that
+/// fails. Throws CLogRefusedError when the file is refused.
 std::FILE* openLogFile(char const* name);
 
 /// Closes what openLogFile() has opened.
