@@ -73,6 +73,10 @@ public:
     /// The \p size bytes from \p object on in hexadecimal.
     void bytes(void const* object, std::size_t size);
 
+    /// The name at \p index of the list of template arguments in \p names, a compiler's text for
+    /// a function. False, and nothing is written, when that value has none.
+    bool enumerator(std::string_view names, std::size_t index);
+
     /// That there are \p size bytes, whose values tell nothing.
     void opaque(std::size_t size);
 

@@ -30,6 +30,12 @@ public:
     /// True when \p other is within the tolerance.
     bool equals(double other) const noexcept;
 
+    /// The number that others are compared with.
+    double value() const noexcept { return m_value; }
+
+    /// How far another number may be from it. It tells nothing of an infinity.
+    double bound() const noexcept;
+
     /// Writes the value and the tolerance.
     void describe(CValueWriter& out) const;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qix/detail/describe.h>
+#include <qix/detail/difference.h>
 #include <qix/detail/narrowText.h>
 #include <qix/detail/passedCheck.h>
 #include <qix/export.h>
@@ -42,7 +43,8 @@ inline void describeHidden(CValueWriter& out, void const* /*object*/)
 }
 
 /// Keeps the values of the comparison that has failed for the message of its check.
-QIX_EXPORT void captureOperands(ValueRef left, char const* comparison, ValueRef right);
+QIX_EXPORT void captureOperands(ValueRef left, char const* comparison, ValueRef right,
+                                Explain* explain);
 
 /// Keeps the value that is false for the message of its check.
 QIX_EXPORT void captureOperand(ValueRef value);
@@ -177,20 +179,22 @@ constexpr bool alwaysFalse = false;
 class COutcome
 {
 public:
-    COutcome(bool holds, ValueRef left, char const* comparison, ValueRef right) noexcept
-        : m_left(left), m_right(right), m_comparison(comparison), m_holds(holds)
+    COutcome(bool holds, ValueRef left, char const* comparison, ValueRef right,
+             Explain* explain) noexcept
+        : m_left(left), m_right(right), m_comparison(comparison), m_explain(explain), m_holds(holds)
     {
     }
 
     explicit operator bool() const noexcept { return m_holds; }
 
     /// Keeps the operands for the message of the check.
-    void capture() const { captureOperands(m_left, m_comparison, m_right); }
+    void capture() const { captureOperands(m_left, m_comparison, m_right, m_explain); }
 
 private:
     ValueRef m_left;
     ValueRef m_right;
     char const* m_comparison;
+    Explain* m_explain;
     bool m_holds;
 };
 
@@ -240,6 +244,17 @@ template <typename T>
 constexpr bool isComparedByAddress =
     std::is_pointer_v<std::decay_t<T>> || std::is_null_pointer_v<std::remove_cv_t<T>>;
 
+/// Numbers of different precision look the same in the shortest digits of each.
+template <typename T, typename Common>
+void describeAs(CValueWriter& out, void const* object)
+{
+    describe(out, static_cast<Common>(*static_cast<T const*>(object)));
+}
+
+template <typename T, typename Other>
+constexpr bool haveDifferentPrecisions =
+    std::is_floating_point_v<T>&& std::is_floating_point_v<Other> && !std::is_same_v<T, Other>;
+
 /// The operand \p value, described as the comparison with an \p Other sees it.
 template <typename Other, typename T>
 ValueRef operand(T& value) noexcept
@@ -257,6 +272,11 @@ ValueRef operand(T& value) noexcept
     {
         return {std::addressof(value), &describeAsAddress<Value>};
     }
+    else if constexpr (haveDifferentPrecisions<Value, std::remove_cv_t<Other>>)
+    {
+        using Common = std::common_type_t<Value, std::remove_cv_t<Other>>;
+        return {std::addressof(value), &describeAs<Value, Common>};
+    }
     else
     {
         return {std::addressof(value), &describeValue<Value>};
@@ -266,7 +286,17 @@ ValueRef operand(T& value) noexcept
 template <typename Comparison, typename L, typename R>
 COutcome compare(L& left, R& right)
 {
-    return {Comparison::holds(left, right), operand<R>(left), Comparison::text, operand<L>(right)};
+    using Left = std::remove_cv_t<L>;
+    using Right = std::remove_cv_t<R>;
+    constexpr bool isExplained =
+        std::is_same_v<Comparison, Equal> && !isHidden<Left> && !isHidden<Right>;
+    Explain* explain = nullptr;
+    if constexpr (isExplained)
+    {
+        explain = explanation<Left, Right>();
+    }
+    return {Comparison::holds(left, right), operand<R>(left), Comparison::text, operand<L>(right),
+            explain};
 }
 
 /// Scalars become operands by references to const, which bind to bit-fields, too. All others stay
@@ -377,7 +407,7 @@ template <typename T, typename R>
 COutcome operator,(TOperand<T> const&, R const&)
 {
     static_assert(alwaysFalse<T>, "a check takes one expression, and no message");
-    return {false, {nullptr, nullptr}, "", {nullptr, nullptr}};
+    return {false, {nullptr, nullptr}, "", {nullptr, nullptr}, nullptr};
 }
 
 /// What an operand is kept as that is no scalar; functions become pointers.

@@ -30,6 +30,14 @@ template <typename T>
 using DescribeTrait = decltype(std::declval<T const&>().describe(std::declval<CValueWriter&>()));
 template <typename T>
 using StreamTrait = decltype(std::declval<std::ostream&>() << std::declval<T const&>());
+/// Converts to a stream, which only operations for the very type find: an enumeration would find
+/// those for numbers, too.
+struct StreamProbe
+{
+    operator std::ostream&() const;
+};
+template <typename T>
+using OwnStreamTrait = decltype(std::declval<StreamProbe const&>() << std::declval<T const&>());
 template <typename T>
 using RangeTrait =
     decltype(std::begin(std::declval<T const&>()) != std::end(std::declval<T const&>()));
@@ -52,6 +60,14 @@ using PointerTrait = std::enable_if_t<std::is_pointer_v<decltype(std::declval<T 
 template <typename T>
 using BufferTrait =
     decltype(std::declval<T const&>().getData()[std::declval<T const&>().getUsed()]);
+template <typename T>
+using VariantTrait = std::enable_if_t<
+    std::is_same_v<decltype(std::declval<T const&>().valueless_by_exception()), bool>,
+    decltype(std::declval<T const&>().index())>;
+template <typename T>
+using NullableTrait =
+    std::enable_if_t<std::is_convertible_v<std::nullptr_t, T> && std::is_class_v<T>,
+                     decltype(static_cast<bool>(std::declval<T const&>() == nullptr))>;
 template <typename T>
 using TimeTrait = decltype(std::declval<T const&>().count() * T::period::num);
 
@@ -167,6 +183,62 @@ void describeTuple(CValueWriter& out, T const& tuple, std::index_sequence<i...>)
     out.text(")");
 }
 
+template <template <typename...> typename Variant, typename... T, std::size_t... i>
+void describeVariant(CValueWriter& out, Variant<T...> const& variant, std::index_sequence<i...>)
+{
+    using std::get;
+    if (variant.valueless_by_exception())
+    {
+        out.text("variant(valueless)");
+        return;
+    }
+    out.text("variant(index ");
+    out.unsignedInteger(variant.index());
+    out.text(": ");
+    ((variant.index() == i ? describe(out, get<i>(variant)) : void()), ...);
+    out.text(")");
+}
+
+template <template <typename...> typename Variant, typename... T>
+void describeVariant(CValueWriter& out, Variant<T...> const& variant)
+{
+    describeVariant(out, variant, std::index_sequence_for<T...>());
+}
+
+/// The name of the type, as the compiler writes it.
+template <typename T>
+constexpr std::string_view nameOf() noexcept
+{
+    return __PRETTY_FUNCTION__;
+}
+
+/// The first value of an enumeration whose name is asked for, and how many there are. One without
+/// a fixed type has too few values to be asked, but for compilers that do not mind.
+template <typename E>
+constexpr int firstEnumerator = std::is_signed_v<std::underlying_type_t<E>> ? -16 : 0;
+template <typename E>
+constexpr int enumeratorCount = 128;
+#if defined __clang__ && __clang_major__ >= 16
+template <typename E>
+constexpr bool hasNames = !std::is_convertible_v<E, std::underlying_type_t<E>>;
+#else
+template <typename E>
+constexpr bool hasNames = true;
+#endif
+
+/// The names of the values, as the compiler writes them; all at once, which is quick to compile.
+template <typename E, E... values>
+constexpr char const* enumeratorsText() noexcept
+{
+    return __PRETTY_FUNCTION__;
+}
+
+template <typename E, int... i>
+constexpr char const* enumeratorsText(std::integer_sequence<int, i...>) noexcept
+{
+    return enumeratorsText<E, static_cast<E>(i + firstEnumerator<E>)...>();
+}
+
 template <typename T>
 void describeInt128(CValueWriter& out, T value)
 {
@@ -263,6 +335,26 @@ void describePointer(CValueWriter& out, T* value)
     }
 }
 
+template <typename E>
+void describeEnumeration(CValueWriter& out, E value)
+{
+    auto const number = static_cast<std::underlying_type_t<E>>(value);
+    if constexpr (hasNames<E> && !std::is_same_v<std::underlying_type_t<E>, bool>)
+    {
+        auto const index =
+            static_cast<std::size_t>(number) - static_cast<std::size_t>(firstEnumerator<E>);
+        using Values = std::make_integer_sequence<int, enumeratorCount<E>>;
+        if (out.enumerator(enumeratorsText<E>(Values()), index))
+        {
+            out.text(" (");
+            describe(out, number);
+            out.text(")");
+            return;
+        }
+    }
+    describe(out, number);
+}
+
 template <typename T>
 void describeExpected(CValueWriter& out, T const& value)
 {
@@ -325,6 +417,13 @@ void describeStreamState(CValueWriter& out, T const& stream)
     out.text(stream.eof() ? " at its end>" : ">");
 }
 
+/// Writes the bytes of an object, or that it is none: a function object that is empty, say.
+template <typename T>
+void describeNullable(CValueWriter& out, T const& value)
+{
+    value == nullptr ? out.text("nullptr") : describeBytes(out, value);
+}
+
 /// Writes an object of a class that neither tells how it is shown nor holds others.
 template <typename T>
 void describeOpaque(CValueWriter& out, T const& value)
@@ -345,7 +444,11 @@ void describeOpaque(CValueWriter& out, T const& value)
 #endif
     else if constexpr (std::is_empty_v<T>)
     {
-        out.text("{}");
+        out.text(nameOf<T>().find("std::nullopt_t") == std::string_view::npos ? "{}" : "nullopt");
+    }
+    else if constexpr (fulfils<T, NullableTrait>)
+    {
+        describeNullable(out, value);
     }
     else
     {
@@ -369,6 +472,10 @@ void describeCompound(CValueWriter& out, T const& value)
     {
         describeTime(out, value);
     }
+    else if constexpr (fulfils<T, VariantTrait>)
+    {
+        describeVariant(out, value);
+    }
     else if constexpr (fulfils<T, StreamStateTrait>)
     {
         describeStreamState(out, value);
@@ -376,6 +483,27 @@ void describeCompound(CValueWriter& out, T const& value)
     else
     {
         describeOpaque(out, value);
+    }
+}
+
+/// What a smart pointer points to, if that is an object and known.
+template <typename T>
+using PointeeTrait =
+    std::enable_if_t<std::is_object_v<std::remove_reference_t<decltype(*std::declval<T const&>())>>,
+                     std::integral_constant<std::size_t, sizeof(*std::declval<T const&>())>>;
+
+template <typename T>
+void describeSmartPointer(CValueWriter& out, T const& value)
+{
+    // Text would be read up to a NUL, which the array of a smart pointer may lack.
+    describeAddress(out, value.get());
+    if constexpr (fulfils<T, PointeeTrait>)
+    {
+        if (value.get() != nullptr)
+        {
+            out.text(" -> ");
+            describe(out, *value);
+        }
     }
 }
 
@@ -397,8 +525,7 @@ void describeObject(CValueWriter& out, T const& value)
     }
     else if constexpr (fulfils<T, PointerTrait>)
     {
-        // Text would be read up to a NUL, which the array of a smart pointer may lack.
-        describeAddress(out, value.get());
+        describeSmartPointer(out, value);
     }
     else if constexpr (fulfils<T, BufferTrait>)
     {
@@ -451,9 +578,13 @@ void describe(CValueWriter& out, T const& value)
     {
         describePointer(out, value);
     }
-    else if constexpr (std::is_enum_v<T> && !fulfils<T, StreamTrait>)
+    else if constexpr (std::is_member_pointer_v<T>)
     {
-        describe(out, static_cast<std::underlying_type_t<T>>(value));
+        value == nullptr ? out.address(nullptr) : describeBytes(out, value);
+    }
+    else if constexpr (std::is_enum_v<T> && !fulfils<T, OwnStreamTrait>)
+    {
+        describeEnumeration(out, value);
     }
     else if constexpr (std::is_array_v<T>)
     {

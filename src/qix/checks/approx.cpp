@@ -44,7 +44,12 @@ bool CApprox::equals(double other) const noexcept
         return std::isinf(m_value) && std::isinf(other) &&
                std::signbit(m_value) == std::signbit(other);
     }
-    return std::abs(other - m_value) <= std::max(m_relative * std::abs(m_value), m_absolute);
+    return std::abs(other - m_value) <= bound();
+}
+
+double CApprox::bound() const noexcept
+{
+    return std::max(m_relative * std::abs(m_value), m_absolute);
 }
 
 void CApprox::describe(CValueWriter& out) const

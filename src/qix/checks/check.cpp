@@ -8,6 +8,7 @@
 #include "text/decodedText.h"
 #include "text/describeSafely.h"
 #include "text/exceptionText.h"
+#include "text/forcedUnwind.h"
 
 #include <string>
 #include <utility>
@@ -21,6 +22,33 @@ namespace
 /// What the check that is failing on this thread has to tell beside its expression.
 thread_local std::string keptText;
 
+/// A line in which a difference is hard to see.
+constexpr std::size_t longLine = 80;
+
+QIX_CATCHES_FORCED_UNWIND void writeExplanation(CValueWriter& out, ValueRef left, ValueRef right,
+                                                Explain* explain)
+{
+    if (explain == nullptr)
+    {
+        return;
+    }
+    CValueWriter explanation;
+    try
+    {
+        explain(explanation, left.object, right.object, out.written().size() > longLine);
+    }
+    catch (abi::__forced_unwind const&)
+    {
+        throw;
+    }
+    catch (...)
+    {
+        explanation.text("<comparing parts of it threw " + currentExceptionText() + ">");
+    }
+    out.text(explanation.written().empty() ? "" : "\n");
+    out.text(explanation.written());
+}
+
 std::string withoutLineEnds(std::string_view text)
 {
     return std::string(text.substr(0, text.find_last_not_of('\n') + 1));
@@ -28,7 +56,7 @@ std::string withoutLineEnds(std::string_view text)
 
 } // namespace
 
-void captureOperands(ValueRef left, char const* comparison, ValueRef right)
+void captureOperands(ValueRef left, char const* comparison, ValueRef right, Explain* explain)
 {
     CValueWriter out;
     out.text("with ");
@@ -37,6 +65,7 @@ void captureOperands(ValueRef left, char const* comparison, ValueRef right)
     out.text(comparison);
     out.text(" ");
     describeSafely(out, right);
+    writeExplanation(out, left, right, explain);
     keptText = withoutLineEnds(out.written());
 }
 

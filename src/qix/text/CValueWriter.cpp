@@ -109,6 +109,39 @@ std::string encoded(char32_t character)
     return digits;
 }
 
+/// The arguments in the last brackets of a compiler's text for a function template.
+std::string_view argumentsIn(std::string_view text)
+{
+    bool const isClang = text.find("values = <") != std::string_view::npos;
+    std::size_t const begin = text.find(isClang ? "values = <" : "values = {");
+    std::size_t const end = text.find_last_of(isClang ? '>' : '}');
+    constexpr std::size_t intro = 10;
+    return begin == std::string_view::npos ? "" : text.substr(begin + intro, end - begin - intro);
+}
+
+/// Where the first argument ends: at a comma that is in no brackets.
+std::size_t endOfArgument(std::string_view arguments)
+{
+    int depth = 0;
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+    {
+        char const character = arguments[i];
+        depth += std::string_view("<({").find(character) != std::string_view::npos ? 1 : 0;
+        depth -= std::string_view(">)}").find(character) != std::string_view::npos ? 1 : 0;
+        if (character == ',' && depth == 0)
+        {
+            return i;
+        }
+    }
+    return arguments.size();
+}
+
+/// What stands behind the last colon or bracket: a name, or a number.
+std::string_view lastPart(std::string_view argument)
+{
+    return argument.substr(argument.find_last_of(":)") + 1);
+}
+
 } // namespace
 
 void CValueWriter::text(std::string_view bytes)
@@ -226,6 +259,19 @@ void CValueWriter::address(void const* value)
     char digits[32];
     std::snprintf(digits, sizeof(digits), "%p", value);
     text(digits);
+}
+
+bool CValueWriter::enumerator(std::string_view names, std::size_t index)
+{
+    std::string_view arguments = argumentsIn(names);
+    for (; index > 0 && !arguments.empty(); --index)
+    {
+        arguments.remove_prefix(std::min(endOfArgument(arguments) + 2, arguments.size()));
+    }
+    std::string_view const name = lastPart(arguments.substr(0, endOfArgument(arguments)));
+    bool const isName = !name.empty() && name[0] != '-' && !('0' <= name[0] && name[0] <= '9');
+    m_written += isName ? name : std::string_view();
+    return isName;
 }
 
 void CValueWriter::opaque(std::size_t size)

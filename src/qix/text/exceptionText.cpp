@@ -1,5 +1,6 @@
 #include "text/exceptionText.h"
 
+#include "text/forcedUnwind.h"
 #include "text/messageOf.h"
 
 #include <cstdlib>
@@ -19,9 +20,37 @@ std::string typeText(std::type_info const& type)
     return name == nullptr ? type.name() : name.get();
 }
 
+namespace
+{
+
+/// A line for what was handled when the exception was thrown, and for its cause in turn.
+QIX_CATCHES_FORCED_UNWIND std::string causeText(std::nested_exception const& nesting)
+{
+    if (nesting.nested_ptr() == nullptr)
+    {
+        return "";
+    }
+    try
+    {
+        nesting.rethrow_nested();
+    }
+    catch (abi::__forced_unwind const&)
+    {
+        throw;
+    }
+    catch (...)
+    {
+        return "\ncaused by " + currentExceptionText();
+    }
+}
+
+} // namespace
+
 std::string exceptionText(std::exception const& exception)
 {
-    return typeText(typeid(exception)) + ": " + messageOf(exception);
+    std::string const text = typeText(typeid(exception)) + ": " + messageOf(exception);
+    auto const* const nesting = dynamic_cast<std::nested_exception const*>(&exception);
+    return nesting == nullptr ? text : text + causeText(*nesting);
 }
 
 std::string currentExceptionText()

@@ -604,9 +604,11 @@ TEST(Approx, specialNumbers)
 TEST(Approx, isShownWithItsTolerance)
 {
     EXPECT_EQ(valuesOf([] { QIX_CHECK(1.5 == qix::approx(1)); }),
-              "with 1.5 == approx(1, relative 1e-06)");
+              "with 1.5 == approx(1, relative 1e-06)\n"
+              "    the difference is 0.5, allowed is 1e-06");
     EXPECT_EQ(valuesOf([] { QIX_CHECK(1.5 == qix::approx(1).absolute(0.25)); }),
-              "with 1.5 == approx(1, absolute 0.25)");
+              "with 1.5 == approx(1, absolute 0.25)\n"
+              "    the difference is 0.5, allowed is 0.25");
 }
 
 /// A test that cannot clean up before it begins, and throws what is no std::exception.

@@ -29,15 +29,15 @@ std::string addressText(void const* address)
 }
 
 // Behind a smart pointer there is a character, or an array of them whose end nobody knows.
-TEST(Describe, smartPointersAreAddresses)
+TEST(Describe, smartPointersAreAddressesOfWhatTheyPointTo)
 {
     auto const character = std::make_unique<char>('x');
     auto const shared = std::make_shared<char const>('y');
     std::unique_ptr<char[]> const array(new char[1]{'z'});
     zel::P<zel::String> const null;
 
-    EXPECT_EQ(described(character), addressText(character.get()));
-    EXPECT_EQ(described(shared), addressText(shared.get()));
+    EXPECT_EQ(described(character), addressText(character.get()) + " -> 'x'");
+    EXPECT_EQ(described(shared), addressText(shared.get()) + " -> 'y'");
     EXPECT_EQ(described(array), addressText(array.get()));
     EXPECT_EQ(described(null), "nullptr");
 }

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <list>
 #include <map>
@@ -22,6 +23,7 @@
 #include <sstream>
 #include <tuple>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace
@@ -41,6 +43,42 @@ enum Plain
 {
     plainThree = 3
 };
+
+enum class Distant
+{
+    below = -1,
+    far = 5000
+};
+
+template <typename First, typename Second>
+struct TOuter
+{
+    enum class Inner
+    {
+        first,
+        second
+    };
+};
+
+enum class Streamed
+{
+    one
+};
+
+std::ostream& operator<<(std::ostream& stream, Streamed)
+{
+    return stream << "<one>";
+}
+
+enum StreamedPlain
+{
+    streamedPlain
+};
+
+std::ostream& operator<<(std::ostream& stream, StreamedPlain)
+{
+    return stream << "<plain>";
+}
 
 enum class Scoped : std::uint8_t
 {
@@ -100,6 +138,22 @@ TEST(Values, numbers)
     EXPECT_EQ(shown(1e300), "1e+300");
     EXPECT_EQ(shown(std::numeric_limits<double>::infinity()), "inf");
     EXPECT_EQ(shown(std::numeric_limits<double>::quiet_NaN()), "nan");
+}
+
+// In the shortest digits of each they would look the same.
+TEST(Values, numbersOfDifferentPrecision)
+{
+    EXPECT_EQ(valuesOf([] { QIX_CHECK(0.1f == 0.1); }), "with 0.10000000149011612 == 0.1");
+    EXPECT_EQ(valuesOf([] { QIX_CHECK(0.1 == 0.1f); }), "with 0.1 == 0.10000000149011612");
+    EXPECT_EQ(valuesOf([] { QIX_CHECK(0.1f == 0.5f); }), "with 0.1 == 0.5");
+}
+
+TEST(Values, textInUnicode)
+{
+    EXPECT_EQ(shown(std::u16string(u"a\u20ac\U0001f600")), "\"a\u20ac\U0001f600\"");
+    EXPECT_EQ(shown(u"\xd800\"\n"), "\"\\x{d800}\\\"\\n\"");
+    EXPECT_EQ(shown(std::u32string(U"\u20ac")), "\"\u20ac\"");
+    EXPECT_EQ(shown(U"\x110000"), "\"\\x{110000}\"");
 }
 
 TEST(Values, characters)
@@ -164,7 +218,8 @@ TEST(Values, volatileOnes)
     EXPECT_EQ(valuesOf([&] { QIX_CHECK(isReady); }), "(none)");
     double volatile amount = 0.5;
     EXPECT_EQ(valuesOf([&] { QIX_CHECK(amount == qix::approx(1)); }),
-              "with 0.5 == approx(1, relative 1e-06)");
+              "with 0.5 == approx(1, relative 1e-06)\n"
+              "    the difference is 0.5, allowed is 1e-06");
 
     // Text that others may be writing is not read.
     char volatile* const text = nullptr;
@@ -202,7 +257,10 @@ TEST(Values, othersOfTheStandardLibrary)
 {
     EXPECT_EQ(shown(std::optional<int>(3)), "3");
     EXPECT_EQ(shown(std::optional<int>()), "nullopt");
-    EXPECT_EQ(shown(std::nullopt), "{}");
+    EXPECT_EQ(shown(std::nullopt), "nullopt");
+    EXPECT_EQ(shown(std::variant<int, std::string>("x")), "variant(index 1: \"x\")");
+    EXPECT_EQ(shown(std::variant<std::monostate, int>()), "variant(index 0: {})");
+    EXPECT_EQ(shown(std::function<void()>()), "nullptr");
     EXPECT_EQ(shown(std::chrono::seconds(3)), "3 s");
     EXPECT_EQ(shown(std::chrono::milliseconds(250)), "250/1000 s");
     EXPECT_EQ(shown(std::chrono::minutes(2)), "120 s");
@@ -211,8 +269,15 @@ TEST(Values, othersOfTheStandardLibrary)
 
 TEST(Values, enumerations)
 {
-    EXPECT_EQ(shown(plainThree), "3");
-    EXPECT_EQ(shown(Scoped::seven), "7");
+    EXPECT_EQ(shown(plainThree), "plainThree (3)");
+    EXPECT_EQ(shown(static_cast<Plain>(1)), "1");
+    EXPECT_EQ(shown(Scoped::seven), "seven (7)");
+    EXPECT_EQ(shown(static_cast<Scoped>(200)), "200");
+    EXPECT_EQ(shown(Distant::below), "below (-1)");
+    EXPECT_EQ(shown(Distant::far), "5000");
+    EXPECT_EQ(shown(TOuter<int, std::pair<int, char>>::Inner::second), "second (1)");
+    EXPECT_EQ(shown(Streamed::one), "<one>");
+    EXPECT_EQ(shown(streamedPlain), "<plain>");
 }
 
 TEST(Values, streamableTypes)
