@@ -25,7 +25,7 @@ ROOMS = {
     'reporters': [],
     'selection': ['runner'],
     'history': [],
-    'supervisor': ['runner'],
+    'supervisor': ['runner', 'guards'],
     'program': ['guards', 'runner', 'registration', 'selection', 'history', 'reporters',
                 'supervisor'],
 }

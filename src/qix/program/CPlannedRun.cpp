@@ -67,8 +67,10 @@ int CPlannedRun::run()
 {
     bool const passed = runRepeatedly();
     tellStopped();
+    tellFlaky();
     tellDurations();
-    if (reportUnusedPatterns() && passed)
+    bool const hasTrouble = reportUnusedPatterns() || m_runner.hasTrouble();
+    if (hasTrouble && passed)
     {
         return exitNoVerdict;
     }
@@ -147,7 +149,21 @@ void CPlannedRun::tellStopped() const
         return;
     }
     std::size_t const left = m_selection.plan().listWanted().size() - m_runner.reachedTests();
-    std::printf("Stopped by --fail-fast. Tests that were not run: %zu\n", left);
+    std::printf("Stopped by %s. Tests that were not run: %zu\n", m_runner.reasonForStop().c_str(),
+                left);
+}
+
+void CPlannedRun::tellFlaky() const
+{
+    std::vector<std::string> const flaky = m_runner.listFlaky();
+    if (!flaky.empty())
+    {
+        std::puts("Flaky tests, which failed before they passed:");
+    }
+    for (std::string const& test : flaky)
+    {
+        std::printf("- %s\n", test.c_str());
+    }
 }
 
 void CPlannedRun::tellDurations() const

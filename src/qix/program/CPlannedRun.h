@@ -29,6 +29,7 @@ private:
     void beginRepetition(std::uint64_t number);
     void applyOrder(std::uint64_t repetition);
     void tellStopped() const;
+    void tellFlaky() const;
     void tellDurations() const;
     bool reportUnusedPatterns() const;
 

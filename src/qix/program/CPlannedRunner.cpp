@@ -7,6 +7,7 @@
 #include "selection/testIds.h"
 
 #include <algorithm>
+#include <ctime>
 #include <limits>
 #include <typeinfo>
 #include <utility>
@@ -69,6 +70,8 @@ void CPlannedRunner::setPlan(CTestPlan const& plan, PatternHits const& kept,
                              PatternHits const& dropped)
 {
     m_plan = &plan;
+    m_kept = &kept;
+    m_dropped = &dropped;
     m_times.assign(plan.tree().size(), 0);
     m_hasFailed.assign(plan.tree().size(), false);
     for (auto const& [node, patterns] : kept.subTests)
@@ -116,13 +119,66 @@ bool CPlannedRunner::runPlan()
     return go();
 }
 
+void CPlannedRunner::planAs(CPlannedRunner const& other)
+{
+    setPlan(*other.m_plan, *other.m_kept, *other.m_dropped);
+    m_order = other.m_order;
+    m_maxDuration = other.m_maxDuration;
+    m_runInteractive = other.m_runInteractive;
+    m_onlyInteractive = other.m_onlyInteractive;
+    m_open.clear();
+    m_open.emplace_back();
+}
+
+CPlannedRunner::Clock::time_point CPlannedRunner::getBeginTime(std::size_t depth) const
+{
+    return depth < m_open.size() ? m_open[depth].begin : Clock::time_point();
+}
+
+void CPlannedRunner::setBeginTime(std::size_t depth, Clock::time_point begin)
+{
+    if (depth < m_open.size())
+    {
+        m_open[depth].begin = begin;
+    }
+}
+
+void CPlannedRunner::openAs(NodeIndex node)
+{
+    CTestTree const& tree = m_plan->tree();
+    std::vector<NodeIndex> path;
+    for (; node != noNode; node = tree[node].parent)
+    {
+        path.push_back(node);
+    }
+    m_open.resize(1);
+    m_running.clear();
+    for (auto place = path.rbegin(); place != path.rend(); ++place)
+    {
+        ITestItem const& item = *tree[*place].item;
+        m_running.push_back({item.getName(), m_beginCount++, item.getDuration(),
+                             item.isInteractive(), std::time(nullptr)});
+        m_open.push_back(makeOpen(*place));
+    }
+}
+
+void CPlannedRunner::openAs(CPlannedRunner const& other)
+{
+    m_open = other.m_open;
+    m_running = other.m_running;
+}
+
 void CPlannedRunner::runTestItem(ITestItem* item)
 {
     if (hasStopped())
     {
         return;
     }
-    Child const child = nextChild(item);
+    runChild(nextChild(item));
+}
+
+void CPlannedRunner::runChild(Child const& child)
+{
     if (child.node == noNode)
     {
         runUnknown(child.item);
@@ -136,7 +192,7 @@ void CPlannedRunner::runTestItem(ITestItem* item)
 void CPlannedRunner::runNode(Child const& child)
 {
     m_reachedTests += m_plan->tree().isLeaf(child.node) ? 1 : 0;
-    runNext(makeOpen(child.node), child.item);
+    runNext(makeOpen(child.node), child);
 }
 
 void CPlannedRunner::runUnknown(ITestItem* item)
@@ -144,23 +200,28 @@ void CPlannedRunner::runUnknown(ITestItem* item)
     Open open;
     if (makeUnknown(open, itemName(item)))
     {
-        runNext(std::move(open), item);
+        runNext(std::move(open), {noNode, item});
     }
 }
 
 /// What an item throws before it begins leaves nothing that is about to begin.
-void CPlannedRunner::runNext(Open open, ITestItem* item)
+void CPlannedRunner::runNext(Open open, Child const& child)
 {
     m_next = std::move(open);
     try
     {
-        CConsoleTestRunner::runTestItem(item);
+        runItem(child);
     }
     catch (...)
     {
         m_next.reset();
         throw;
     }
+}
+
+void CPlannedRunner::runItem(Child const& child)
+{
+    CConsoleTestRunner::runTestItem(child.item);
 }
 
 CPlannedRunner::Open CPlannedRunner::makeOpen(NodeIndex node)
@@ -308,8 +369,7 @@ bool CPlannedRunner::begin(Open open, std::string const& name, ITestItem::Durati
     CScopedValue<Open*> const beginning(m_beginning, &open);
     bool const isBegun = open.isLetIn
                              ? beginLetIn(name, duration, isInteractive, containsAnyInteractive)
-                             : CConsoleTestRunner::beginSubTest(name, duration, isInteractive,
-                                                                containsAnyInteractive);
+                             : beginFiltered(name, duration, isInteractive, containsAnyInteractive);
     if (!isBegun)
     {
         return false;
@@ -378,6 +438,12 @@ bool CPlannedRunner::beginLetIn(std::string const& name, ITestItem::Duration dur
     CScopedValue<int> const anyDuration(m_maxDuration, std::numeric_limits<int>::max());
     CScopedValue<bool> const interactive(m_runInteractive, true);
     CScopedValue<bool> const alsoOthers(m_onlyInteractive, false);
+    return beginFiltered(name, duration, isInteractive, containsAnyInteractive);
+}
+
+bool CPlannedRunner::beginFiltered(std::string const& name, ITestItem::Duration duration,
+                                   bool isInteractive, bool containsAnyInteractive)
+{
     return CConsoleTestRunner::beginSubTest(name, duration, isInteractive, containsAnyInteractive);
 }
 

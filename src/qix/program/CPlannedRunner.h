@@ -49,12 +49,22 @@ public:
     void setRecorder(CRunRecorder& recorder, std::vector<NodeIndex> indices);
 
     /// Runs the plan once. True when no test failed.
-    bool runPlan();
+    virtual bool runPlan();
+
+    /// The ids of those tests that have passed when they were tried again.
+    virtual std::vector<std::string> listFlaky() const { return {}; }
+
+    /// True when something has gone wrong that no test has failed by.
+    virtual bool hasTrouble() const noexcept { return false; }
 
     /// Begins no further test after so many have failed, in all runs together.
     void setFailureLimit(std::uint64_t limit) noexcept { m_failureLimit = limit; }
 
-    bool hasStopped() const noexcept { return m_failedTests >= m_failureLimit; }
+    /// True when no further test begins.
+    virtual bool hasStopped() const noexcept { return m_failedTests >= m_failureLimit; }
+
+    /// What has stopped the run, once it has stopped.
+    virtual std::string reasonForStop() const { return "--fail-fast"; }
 
     /// How many tests the last run has come to, whether they were let in or not.
     std::size_t reachedTests() const noexcept { return m_reachedTests; }
@@ -79,9 +89,51 @@ public:
     void endSubTest_Skipped() override;
     void endSubTest_Success() override;
 
-private:
+protected:
     using Clock = std::chrono::steady_clock;
 
+    /// An item that is handed over, and where it stands in the tree.
+    struct Child
+    {
+        NodeIndex node; ///< noNode for what the tree does not know
+        ITestItem* item;
+    };
+
+    /// Runs the child if it is wanted.
+    virtual void runChild(Child const& child);
+
+    /// Runs a child that is wanted.
+    virtual void runItem(Child const& child);
+
+    /// Lets in what the filters let in, and tells of it.
+    virtual bool beginFiltered(std::string const& name, ITestItem::Duration duration,
+                               bool isInteractive, bool containsAnyInteractive);
+
+    /// Forgets what runs innermost, which has ended so.
+    void close(RememberedTest::Outcome outcome);
+
+    /// Has the plan, the order and the filters of the other one from now on.
+    void planAs(CPlannedRunner const& other);
+
+    /// Makes it look as if the node and its parents were running.
+    void openAs(NodeIndex node);
+
+    /// Makes it look as if that were running which is running in the other one.
+    void openAs(CPlannedRunner const& other);
+
+    /// How many sub-tests are running, items among them.
+    std::size_t depth() const noexcept { return m_running.size(); }
+
+    /// @{
+    /// When that began which runs at a depth, from 1 on.
+    Clock::time_point getBeginTime(std::size_t depth) const;
+    void setBeginTime(std::size_t depth, Clock::time_point begin);
+    /// @}
+
+    CTestPlan const& plan() const noexcept { return *m_plan; }
+    TestOrder const& order() const noexcept { return m_order; }
+
+private:
     /// What the patterns say of the sub-tests of one test.
     struct SubTests
     {
@@ -108,12 +160,6 @@ private:
         std::unordered_map<std::string, std::size_t> siblings;    ///< how many of each name
     };
 
-    struct Child
-    {
-        NodeIndex node;
-        ITestItem* item;
-    };
-
     void nameUnknown(Open& open, std::string const& name);
     std::string const& idOf(Open& open);
     Child nextChild(ITestItem* item);
@@ -123,7 +169,7 @@ private:
     bool isReordered(Open const& open) const;
     void runNode(Child const& child);
     void runUnknown(ITestItem* item);
-    void runNext(Open open, ITestItem* item);
+    void runNext(Open open, Child const& child);
     bool makeUnknown(Open& open, std::string const& name);
     bool isUnknownWanted(Open const& parent) const;
     Open makeOpen(NodeIndex node);
@@ -131,10 +177,11 @@ private:
                bool containsAnyInteractive);
     bool beginLetIn(std::string const& name, ITestItem::Duration duration, bool isInteractive,
                     bool containsAnyInteractive);
-    void close(RememberedTest::Outcome outcome);
     void noteEnd(Open const& test, RememberedTest::Outcome outcome);
 
     CTestPlan const* m_plan = nullptr;
+    PatternHits const* m_kept = nullptr;
+    PatternHits const* m_dropped = nullptr;
     TestOrder m_order;
     std::unordered_map<NodeIndex, SubTests> m_subTests;
     CRunRecorder* m_recorder = nullptr;

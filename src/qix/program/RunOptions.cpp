@@ -86,6 +86,11 @@ void checkTogether(RunOptions const& options)
     {
         throwWrong("--repeat and --until-fail exclude each other: allowed is one of them");
     }
+    if (options.needsSupervisor && !options.isSupervised())
+    {
+        throwWrong("--time-limit, --time-limit-factor, --retries and --flaky need a supervisor: "
+                   "allowed are they with --jobs or --isolate");
+    }
 }
 
 /// The text with everything behind a line end indented to the same column.

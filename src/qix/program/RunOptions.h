@@ -70,8 +70,19 @@ struct RunOptions
     std::string junitFile;         ///< absolute; empty for none
     JUnitSchema junitSchema = JUnitSchema::Plain;
     bool annotatesForGithub = false;
-    std::vector<std::string> given;  ///< the options as they were written
-    std::optional<RunHistory> times; ///< of a file, instead of those of the working folder
+    std::vector<std::string> given;    ///< the options as they were written
+    std::optional<std::uint64_t> jobs; ///< so many processes run tests
+    bool isolate = false;              ///< each test has a process of its own
+    bool needsSupervisor = false;      ///< there was an option that means nothing without one
+    std::uint64_t retries = 0;         ///< of a test that has failed
+    bool failsByFlaky = false;         ///< tests that pass when they are tried again have failed
+    bool hasTimeLimits = true;         ///< tests that take too long are ended
+    std::optional<std::uint64_t> timeLimit; ///< of each test in seconds, whatever its class
+    double timeLimitFactor = 1;             ///< of what classes and timeLimit allow
+    std::optional<RunHistory> times;        ///< of a file, instead of those of the working folder
+
+    /// True when tests run in processes of their own.
+    bool isSupervised() const noexcept { return jobs.has_value() || isolate; }
 };
 
 /// The arguments of a test executable, sorted.

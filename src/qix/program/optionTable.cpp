@@ -3,13 +3,16 @@
 #include "guards/exitStatus.h"
 #include "program/numbers.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 namespace qix
@@ -227,6 +230,56 @@ bool applyShard(RunOptions& options, std::string const& value)
     return true;
 }
 
+bool applyJobs(RunOptions& options, std::string const& value)
+{
+    constexpr std::uint64_t most = 1000;
+    std::uint64_t const processors = std::max(1U, std::thread::hardware_concurrency());
+    return applyCount(options.jobs, value, processors) && *options.jobs <= most;
+}
+
+bool applyIsolate(RunOptions& options, std::string const& /*value*/)
+{
+    options.isolate = true;
+    return true;
+}
+
+bool applyTimeLimit(RunOptions& options, std::string const& value)
+{
+    constexpr std::uint64_t most = 1000000000;
+    options.needsSupervisor = true;
+    options.hasTimeLimits = value != "off";
+    options.timeLimit.reset();
+    return !options.hasTimeLimits ||
+           (applyCount(options.timeLimit, value) && *options.timeLimit <= most);
+}
+
+bool applyRetries(RunOptions& options, std::string const& value)
+{
+    std::optional<std::uint64_t> const count = toNumber(value);
+    options.needsSupervisor = true;
+    options.retries = count.value_or(0);
+    return count.has_value();
+}
+
+bool applyFlaky(RunOptions& options, std::string const& value)
+{
+    options.needsSupervisor = true;
+    options.failsByFlaky = value == "fail";
+    return value == "fail" || value == "pass";
+}
+
+/// Reads the same in each locale.
+bool applyTimeLimitFactor(RunOptions& options, std::string const& value)
+{
+    constexpr double most = 1000000;
+    options.needsSupervisor = true;
+    char const* const end = value.data() + value.size();
+    auto const [rest, error] =
+        std::from_chars(value.data(), end, options.timeLimitFactor, std::chars_format::fixed);
+    return error == std::errc() && rest == end && options.timeLimitFactor > 0 &&
+           options.timeLimitFactor <= most;
+}
+
 RunHistory readTimes(std::string const& file)
 {
     try
@@ -291,6 +344,26 @@ std::vector<Option> const& optionTable()
          "Takes from this file, which a run has left, what tests took:\n"
          "for parts of equal length and for the order.",
          Value::Required, applyTimes},
+        {"jobs", "[=N]", ", with N from 1 to 1000",
+         "Runs the tests in N processes at a time, by default one for each\n"
+         "processor. A test that ends its process has failed, and the run\n"
+         "goes on.",
+         Value::Optional, applyJobs},
+        {"isolate", "", "", "Runs each test in a process of its own.", Value::None, applyIsolate},
+        {"time-limit", "=SECONDS|off", ", with SECONDS from 1 to 1000000000",
+         "Ends a test that takes longer, by default three times what is\n"
+         "expected of its class at most. Needs --jobs or --isolate.",
+         Value::Required, applyTimeLimit},
+        {"time-limit-factor", "=F", ", with a number F above 0 and up to 1000000",
+         "Makes all time limits longer or shorter by this factor.", Value::Required,
+         applyTimeLimitFactor},
+        {"retries", "=N", ", with a number for N",
+         "Tries a test that has failed up to N times again. When it passes\n"
+         "then, it counts as OK and is listed as flaky. Needs --jobs or\n"
+         "--isolate.",
+         Value::Required, applyRetries},
+        {"flaky", "=fail|pass", "", "Whether flaky tests fail, or pass (the default).",
+         Value::Required, applyFlaky},
         {"durations", "[=N]", ", with N from 1 on",
          "Tells the N tests that took longest, by default 10.", Value::Optional, applyDurations},
         {"skip-status", "=N", ", with N from 3 to 125",

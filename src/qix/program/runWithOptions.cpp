@@ -5,6 +5,7 @@
 #include "guards/exitStatus.h"
 #include "program/CPlannedRun.h"
 #include "program/CReportSet.h"
+#include "program/CSupervisedRunner.h"
 #include "program/CTestSelection.h"
 #include "program/colors.h"
 #include "program/listTests.h"
@@ -16,6 +17,7 @@
 #include "runner/startUp.h"
 #include "runner/warnings.h"
 #include "selection/testIds.h"
+#include "supervisor/posix/CInterrupts.h"
 #include "text/messageOf.h"
 
 #include <cstdlib>
@@ -70,6 +72,16 @@ int list(CTestSelection const& selection, RunOptions const& options, std::string
     return exitAllPassed;
 }
 
+zel::P<CPlannedRunner> makeRunner(RunOptions const& options)
+{
+    ITestItem* const root = CTestItemGroup::global().get();
+    if (options.isSupervised())
+    {
+        return zel::newObj<CSupervisedRunner>(root, options);
+    }
+    return zel::newObj<CPlannedRunner>(root);
+}
+
 ReportContext makeContext(std::string const& program, RunOptions const& options,
                           CTestSelection const& selection, CPlannedRunner& runner)
 {
@@ -108,7 +120,7 @@ int runInWorkDirectory(Arguments const& arguments, std::string const& program,
 {
     RunOptions const& options = arguments.options;
     RunHistory const history = readHistory(historyFile);
-    auto const runner = zel::newObj<CPlannedRunner>(CTestItemGroup::global().get());
+    zel::P<CPlannedRunner> const runner = makeRunner(options);
     CTestSelection selection(options, history, *runner);
     if (std::optional<int> const status = selection.select(arguments.lines))
     {
@@ -138,7 +150,9 @@ int runWithOptions(Arguments const& arguments, std::string const& program)
         return exitNotAllPassed;
     }
     std::string const name = withoutFolder(program);
-    return runInWorkDirectory(arguments, name, historyFileOf(name), diverted);
+    int const status = runInWorkDirectory(arguments, name, historyFileOf(name), diverted);
+    CInterrupts::endBySignal();
+    return status;
 }
 
 int runWithoutOptions(Arguments const& arguments, std::string const& program)

@@ -126,6 +126,15 @@ void CRunEvents::noteEnding(ITestRunner const* runner, std::size_t depth, TestOu
     }
 }
 
+void CRunEvents::setBegin(ITestRunner const* runner, std::size_t depth,
+                          std::chrono::steady_clock::time_point begin) noexcept
+{
+    if (Running* const running = find(runner, depth))
+    {
+        running->start = begin;
+    }
+}
+
 void CRunEvents::end(ITestRunner const* runner, std::size_t depth, bool success)
 {
     Running* const running = find(runner, depth);

@@ -48,6 +48,10 @@ public:
     void noteEnding(ITestRunner const* runner, std::size_t depth, TestOutcome::Kind kind,
                     std::exception const* exception);
 
+    /// For what has run elsewhere: when it began there.
+    void setBegin(ITestRunner const* runner, std::size_t depth,
+                  std::chrono::steady_clock::time_point begin) noexcept;
+
     /// \param success  how it ended, unless that was noted
     void end(ITestRunner const* runner, std::size_t depth, bool success);
 

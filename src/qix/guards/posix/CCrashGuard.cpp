@@ -224,18 +224,6 @@ void handleSignals() noexcept
     }
 }
 
-void leaveSignals() noexcept
-{
-    for (FatalSignal const& signal : fatalSignals)
-    {
-        struct sigaction there = {};
-        if (sigaction(signal.number, nullptr, &there) == 0 && isOurs(there))
-        {
-            setDefault(signal.number);
-        }
-    }
-}
-
 void provideStack() noexcept
 {
     stack_t there = {};
@@ -276,6 +264,18 @@ CCrashGuard::CCrashGuard() noexcept
         provideStack();
         handleSignals();
         g_nextTerminate = std::set_terminate(&onTerminate);
+    }
+}
+
+void CCrashGuard::leaveSignals() noexcept
+{
+    for (FatalSignal const& signal : fatalSignals)
+    {
+        struct sigaction there = {};
+        if (sigaction(signal.number, nullptr, &there) == 0 && isOurs(there))
+        {
+            setDefault(signal.number);
+        }
     }
 }
 

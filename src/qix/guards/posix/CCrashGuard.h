@@ -22,6 +22,9 @@ public:
     CCrashGuard& operator=(CCrashGuard const&) = delete;
     ~CCrashGuard();
 
+    /// Gives the signals back. For a forked process that has handlers of its own.
+    static void leaveSignals() noexcept;
+
 private:
     pid_t m_outerProcess;
     bool m_isOutermost;

@@ -1,0 +1,355 @@
+#include "program/CSupervisedRunner.h"
+
+#include "program/printError.h"
+#include "runner/CListeners.h"
+#include "runner/CRunEvents.h"
+#include "supervisor/CRecordedUnit.h"
+#include "supervisor/CReplay.h"
+#include "supervisor/posix/CInterrupts.h"
+
+#include <csignal>
+#include <ctime>
+#include <limits>
+#include <utility>
+
+namespace qix
+{
+
+namespace
+{
+
+constexpr std::size_t noUnit = std::numeric_limits<std::size_t>::max();
+
+/// Three times what the class says, in seconds: machines differ.
+std::optional<std::uint64_t> longestTimeOf(ITestItem::Duration duration)
+{
+    switch (duration)
+    {
+    case ITestItem::Short:
+        return 60;
+    case ITestItem::Long:
+        return 9 * 60;
+    case ITestItem::VeryLong:
+        return 9 * 60 * 60;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// What a test may take; nothing when it may take any time.
+std::optional<std::chrono::nanoseconds> limitOfTest(ITestItem const& item,
+                                                    RunOptions const& options)
+{
+    using Seconds = std::chrono::duration<double>;
+    std::optional<std::uint64_t> const limit =
+        options.timeLimit ? options.timeLimit : longestTimeOf(item.getDuration());
+    if (!options.hasTimeLimits || item.isInteractive() || !limit)
+    {
+        return std::nullopt;
+    }
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+        Seconds(static_cast<double>(*limit) * options.timeLimitFactor));
+}
+
+class CFlagWhileAlive
+{
+public:
+    explicit CFlagWhileAlive(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
+    ~CFlagWhileAlive() { m_flag = false; }
+    CFlagWhileAlive(CFlagWhileAlive const&) = delete;
+    CFlagWhileAlive& operator=(CFlagWhileAlive const&) = delete;
+
+private:
+    bool& m_flag;
+};
+
+} // namespace
+
+/// Opens a unit when it is first asked: the filters may refuse it before. What nobody has planned
+/// gets a process for itself then.
+class CSupervisedRunner::CUnitSource : public IMessageSource
+{
+public:
+    CUnitSource(CSupervisedRunner& runner, Child const& child) : m_runner(runner), m_child(child) {}
+
+    CMessageReader next() override
+    {
+        if (m_source == nullptr)
+        {
+            m_source = &open();
+        }
+        return m_source->next();
+    }
+
+    void close()
+    {
+        if (m_crew != nullptr)
+        {
+            closeCrew(*m_crew);
+        }
+    }
+
+private:
+    IMessageSource& open()
+    {
+        std::size_t const unit =
+            m_child.node == noNode ? noUnit : m_runner.m_unitOfNode[m_child.node];
+        bool const isPlanned = unit != noUnit && unit >= m_runner.m_nextUnit;
+        if (isPlanned)
+        {
+            m_runner.m_nextUnit = unit + 1;
+        }
+        m_crew = isPlanned ? m_runner.m_crew.get() : &makeCrew();
+        bool const isRetried = m_runner.m_options.retries > 0 && !m_child.item->isInteractive();
+        return isRetried ? openWithRetries(isPlanned ? unit : 0)
+                         : m_crew->open(isPlanned ? unit : 0);
+    }
+
+    /// A crew that runs nothing but this.
+    CCrew& makeCrew()
+    {
+        m_ownUnit.assign(1, {noNode, m_child.item, limitOfTest(*m_child.item, m_runner.m_options)});
+        CrewOptions options;
+        options.firstSlot = m_runner.processes() + 1;
+        options.isInteractive = m_child.item->isInteractive();
+        m_ownCrew = std::make_unique<CCrew>(m_ownUnit, options, *m_runner.m_recorder);
+        return *m_ownCrew;
+    }
+
+    /// What counts is the first try, unless a later one passes.
+    IMessageSource& openWithRetries(std::size_t unit)
+    {
+        m_recorded = record(*std::exchange(m_crew, nullptr), unit);
+        bool isFlaky = false;
+        for (std::uint64_t left = m_runner.m_options.retries;
+             left > 0 && m_recorded->hasFailed() && !isFlaky; --left)
+        {
+            auto again = record(makeCrew(), 0);
+            isFlaky = !again->hasFailed();
+            if (isFlaky && !m_runner.m_options.failsByFlaky)
+            {
+                m_recorded = std::move(again);
+            }
+        }
+        if (isFlaky)
+        {
+            m_runner.noteFlaky(m_child.node);
+        }
+        return *m_recorded;
+    }
+
+    std::unique_ptr<CRecordedUnit> record(CCrew& crew, std::size_t unit)
+    {
+        PrintedText printed;
+        crew.printTo(&printed);
+        auto recorded = std::make_unique<CRecordedUnit>(crew.open(unit), printed);
+        crew.printTo(nullptr);
+        closeCrew(crew);
+        return recorded;
+    }
+
+    void closeCrew(CCrew& crew)
+    {
+        crew.close([this](std::string const& command) { m_runner.tellLeftover(command); });
+        if (m_ownCrew.get() == &crew)
+        {
+            crew.finish();
+            m_runner.m_hasEndedBadly = m_runner.m_hasEndedBadly || crew.hasEndedBadly();
+        }
+    }
+
+    CSupervisedRunner& m_runner;
+    Child m_child;
+    IMessageSource* m_source = nullptr;
+    CCrew* m_crew = nullptr; ///< which has not been closed
+    std::vector<Unit> m_ownUnit;
+    std::unique_ptr<CCrew> m_ownCrew;
+    std::unique_ptr<CRecordedUnit> m_recorded;
+};
+
+CSupervisedRunner::CSupervisedRunner(ITestItem* root, RunOptions const& options)
+    : CPlannedRunner(root), m_options(options), m_recorder(zel::newObj<CRecordingRunner>(root))
+{
+}
+
+unsigned CSupervisedRunner::processes() const
+{
+    return static_cast<unsigned>(m_options.jobs.value_or(1));
+}
+
+bool CSupervisedRunner::runPlan()
+{
+    CInterrupts const interrupts;
+    m_recorder->recordFor(*this);
+    listUnits();
+    CrewOptions options;
+    options.processes = processes();
+    options.isIsolated = m_options.isolate;
+    m_crew = std::make_unique<CCrew>(m_units, options, *m_recorder);
+    bool const hasPassed = CPlannedRunner::runPlan();
+    m_crew->finish();
+    m_hasEndedBadly = m_hasEndedBadly || m_crew->hasEndedBadly();
+    m_crew.reset();
+    return hasPassed;
+}
+
+bool CSupervisedRunner::hasStopped() const noexcept
+{
+    return CInterrupts::signal() != 0 || CPlannedRunner::hasStopped();
+}
+
+std::string CSupervisedRunner::reasonForStop() const
+{
+    switch (CInterrupts::signal())
+    {
+    case 0:
+        return CPlannedRunner::reasonForStop();
+    case SIGINT:
+        return "SIGINT";
+    default:
+        return "SIGTERM";
+    }
+}
+
+/// In the order in which they will be wanted.
+void CSupervisedRunner::listUnits()
+{
+    m_units.clear();
+    m_nextUnit = 0;
+    m_unitOfNode.assign(plan().tree().size(), noUnit);
+    addUnits(noNode);
+}
+
+void CSupervisedRunner::addUnits(NodeIndex parent)
+{
+    for (NodeIndex const node : childrenOf(parent))
+    {
+        ITestItem* const item = plan().tree()[node].item.get();
+        bool const isRun = item != nullptr && plan().isWanted(node) && !plan().isRefused(node);
+        if (isRun && isLibraryGroup(*item))
+        {
+            addUnits(node);
+        }
+        else if (isRun && !item->isInteractive())
+        {
+            m_unitOfNode[node] = m_units.size();
+            m_units.push_back({node, item, timeLimitOf(node)});
+        }
+    }
+}
+
+/// An item that runs its children itself may take what these may take together.
+std::optional<std::chrono::nanoseconds> CSupervisedRunner::timeLimitOf(NodeIndex node) const
+{
+    CTestTree const& tree = plan().tree();
+    std::chrono::nanoseconds sum(0);
+    for (NodeIndex test = node; test < tree[node].end; ++test)
+    {
+        if (!tree.isLeaf(test) || tree[test].item == nullptr || !plan().isWanted(test))
+        {
+            continue;
+        }
+        auto const limit = limitOfTest(*tree[test].item, m_options);
+        if (!limit)
+        {
+            return std::nullopt;
+        }
+        sum += *limit;
+    }
+    return sum.count() > 0 ? std::optional(sum) : std::nullopt;
+}
+
+std::vector<NodeIndex> CSupervisedRunner::childrenOf(NodeIndex parent) const
+{
+    auto const ordered = order().find(parent);
+    if (ordered != order().end())
+    {
+        return ordered->second;
+    }
+    CTestTree const& tree = plan().tree();
+    std::vector<NodeIndex> children;
+    NodeIndex const end = tree.endOf(parent);
+    for (NodeIndex node = CTestTree::firstChild(parent); node < end; node = tree[node].end)
+    {
+        children.push_back(node);
+    }
+    return children;
+}
+
+void CSupervisedRunner::runItem(Child const& child)
+{
+    bool const isOwn = m_isReplaying || child.item == nullptr || isLibraryGroup(*child.item);
+    if (isOwn)
+    {
+        CPlannedRunner::runItem(child);
+    }
+    else
+    {
+        runUnit(child);
+    }
+}
+
+void CSupervisedRunner::runUnit(Child const& child)
+{
+    CUnitSource source(*this, child);
+    CReplay replay(source, *this);
+    zel::P<ITestItem> const standIn = replay.standInFor(*child.item);
+    {
+        CFlagWhileAlive const replaying(m_isReplaying);
+        CPlannedRunner::runItem({child.node, standIn.get()});
+    }
+    source.close();
+}
+
+void CSupervisedRunner::runHanded(std::uint32_t node, ITestItem* item)
+{
+    runChild({node, item});
+}
+
+/// A test may have ended more than it has begun.
+bool CSupervisedRunner::isAtDepth(std::size_t depth) const
+{
+    return depth > 0 && depth <= m_running.size();
+}
+
+void CSupervisedRunner::setBegin(std::size_t depth, Moment const& begin)
+{
+    if (isAtDepth(depth))
+    {
+        setTimes(depth, static_cast<std::time_t>(begin.seconds),
+                 Clock::time_point(std::chrono::nanoseconds(begin.nanoseconds)));
+    }
+}
+
+void CSupervisedRunner::setNow(std::size_t depth, Moment const& now)
+{
+    std::time_t const seconds = std::time(nullptr) - static_cast<std::time_t>(now.seconds);
+    auto const later = Clock::now() - Clock::time_point(std::chrono::nanoseconds(now.nanoseconds));
+    for (; isAtDepth(depth); ++depth)
+    {
+        setTimes(depth, m_running[depth - 1].startTime + seconds, getBeginTime(depth) + later);
+    }
+}
+
+void CSupervisedRunner::setTimes(std::size_t depth, std::time_t seconds, Clock::time_point begin)
+{
+    m_running[depth - 1].startTime = seconds;
+    setBeginTime(depth, begin);
+    if (CListeners::areThere())
+    {
+        CRunEvents::ofThisThread().setBegin(this, depth, begin);
+    }
+}
+
+void CSupervisedRunner::noteFlaky(NodeIndex node)
+{
+    m_flaky.push_back(node == noNode ? getTestBreadcrumbs() : plan().tree().idOf(node));
+}
+
+void CSupervisedRunner::tellLeftover(std::string const& command) const
+{
+    std::fflush(stdout);
+    printError("", ("a test has left a process behind, which was ended: " + command).c_str());
+}
+
+} // namespace qix

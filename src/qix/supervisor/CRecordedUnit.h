@@ -1,0 +1,38 @@
+#pragma once
+
+#include "supervisor/IMessageSource.h"
+#include "supervisor/PrintedText.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace qix
+{
+
+/// All that the process of a unit has told, kept until it is known whether that counts.
+class CRecordedUnit : public IMessageSource
+{
+public:
+    /// Takes all messages.
+    /// \param source   prints into the text
+    /// \param printed  what is printed before each message
+    CRecordedUnit(IMessageSource& source, PrintedText& printed);
+
+    /// True when the unit, or something in it, has failed.
+    bool hasFailed() const;
+
+    CMessageReader next() override;
+
+private:
+    struct Entry
+    {
+        PrintedText printed; ///< in front of the message
+        std::string message;
+    };
+
+    std::vector<Entry> m_entries;
+    std::size_t m_next = 0;
+};
+
+} // namespace qix

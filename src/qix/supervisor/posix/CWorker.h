@@ -1,0 +1,43 @@
+#pragma once
+
+#include "supervisor/posix/CSlot.h"
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+namespace qix
+{
+
+/// The process that runs units, one after the other.
+class CWorker : private IMessageSink
+{
+public:
+    /// \param work  outlives the worker
+    explicit CWorker(SlotWork const& work);
+
+    /// Runs what there is to run, and ends the process.
+    [[noreturn]] void run();
+
+private:
+    void send(std::string_view message) override;
+
+    std::optional<std::uint64_t> takeUnit();
+    bool takeUnits();
+    std::uint64_t unitsAtOnce() const;
+    bool mayBegin(std::uint64_t unit) const noexcept;
+    void runUnit(std::uint64_t index);
+    void endUnit(std::uint64_t index);
+    bool isIntact() const noexcept;
+    void endLeftovers();
+    void tellLeftover(pid_t process);
+
+    SlotWork const& m_work;
+    CPrintedTeller m_printed;
+    std::chrono::steady_clock::time_point m_begin;
+    std::uint64_t m_unitsRun = 0;
+    bool m_isIntact = true; ///< no test has spoilt the process for the next ones
+    long m_childFaults = 0; ///< of ended children: another number tells of a new one
+};
+
+} // namespace qix

@@ -1,0 +1,122 @@
+#include "supervisor/posix/processTree.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <thread>
+
+#include <dirent.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace qix
+{
+
+namespace
+{
+
+std::string readFile(std::string const& name)
+{
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+struct Status
+{
+    char state = 'Z';
+    pid_t parent = 0;
+};
+
+/// The name of the program stands in parentheses and may hold any others.
+Status statusOf(pid_t process)
+{
+    std::string const text = readFile("/proc/" + std::to_string(process) + "/stat");
+    std::size_t const end = text.rfind(')');
+    if (end == std::string::npos || text.size() < end + 4)
+    {
+        return {};
+    }
+    return {text[end + 2], static_cast<pid_t>(std::strtol(text.c_str() + end + 4, nullptr, 10))};
+}
+
+std::multimap<pid_t, pid_t> listChildren()
+{
+    std::multimap<pid_t, pid_t> children;
+    DIR* const folder = opendir("/proc");
+    if (folder == nullptr)
+    {
+        return children;
+    }
+    for (dirent const* entry = readdir(folder); entry != nullptr; entry = readdir(folder))
+    {
+        auto const process = static_cast<pid_t>(std::strtol(entry->d_name, nullptr, 10));
+        Status const status = process > 0 ? statusOf(process) : Status();
+        if (status.state != 'Z')
+        {
+            children.emplace(status.parent, process);
+        }
+    }
+    closedir(folder);
+    return children;
+}
+
+} // namespace
+
+std::vector<pid_t> listDescendants(pid_t ancestor)
+{
+    std::multimap<pid_t, pid_t> const children = listChildren();
+    std::vector<pid_t> found = {ancestor};
+    for (std::size_t i = 0; i < found.size(); ++i)
+    {
+        auto const [first, last] = children.equal_range(found[i]);
+        std::transform(first, last, std::back_inserter(found),
+                       [](auto const& entry) { return entry.second; });
+    }
+    found.erase(found.begin());
+    return found;
+}
+
+std::string commandOf(pid_t process)
+{
+    std::string command = readFile("/proc/" + std::to_string(process) + "/cmdline");
+    while (!command.empty() && command.back() == '\0')
+    {
+        command.pop_back();
+    }
+    std::replace(command.begin(), command.end(), '\0', ' ');
+    return command;
+}
+
+bool reapAll() noexcept
+{
+    pid_t ended = waitpid(-1, nullptr, WNOHANG);
+    while (ended > 0)
+    {
+        ended = waitpid(-1, nullptr, WNOHANG);
+    }
+    return ended == 0;
+}
+
+/// A list may miss one that was forked while it was made, whose parent has ended by then. Whoever
+/// loses its parent becomes a child of this process, so that there is an end for certain.
+void killDescendants()
+{
+    constexpr int mostRounds = 10000;
+    constexpr std::chrono::milliseconds pause(1);
+    bool isAnyLeft = reapAll();
+    for (int round = 0; isAnyLeft && round < mostRounds; ++round)
+    {
+        for (pid_t const process : listDescendants(getpid()))
+        {
+            kill(process, SIGKILL);
+        }
+        std::this_thread::sleep_for(pause);
+        isAnyLeft = reapAll();
+    }
+}
+
+} // namespace qix

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace qix
+{
+
+/// All processes that the given one has started, and those that they have, as far as they have not
+/// been left to another process.
+std::vector<pid_t> listDescendants(pid_t ancestor);
+
+/// The arguments that the process was started with, separated by blanks.
+std::string commandOf(pid_t process);
+
+/// Waits for those children of this process that have ended. True when others are left.
+bool reapAll() noexcept;
+
+/// Sends SIGKILL to all descendants of this process, which is a subreaper, again until none is
+/// left.
+void killDescendants();
+
+} // namespace qix
