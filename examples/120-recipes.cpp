@@ -1,5 +1,6 @@
 // Short answers to how things are done in tests.
 
+#include <qix/matchers.h>
 #include <qix/secret.h>
 #include <qix/test.h>
 
@@ -13,28 +14,31 @@
 namespace
 {
 
-/// Takes long to make, so that all tests share one. It is made by the first test that asks.
-std::vector<int> const& primes()
+/// Takes long to make, so that all tests of the group share one.
+class CPrimes
 {
-    static std::vector<int> const numbers = []
+public:
+    CPrimes()
     {
-        std::vector<int> found;
-        for (int number = 2; found.size() < 1000; ++number)
+        for (int number = 2; m_numbers.size() < 1000; ++number)
         {
             bool isPrime = true;
-            for (int const prime : found)
+            for (int const prime : m_numbers)
             {
                 isPrime = isPrime && number % prime != 0;
             }
             if (isPrime)
             {
-                found.push_back(number);
+                m_numbers.push_back(number);
             }
         }
-        return found;
-    }();
-    return numbers;
-}
+    }
+
+    std::vector<int> const& getNumbers() const { return m_numbers; }
+
+private:
+    std::vector<int> m_numbers;
+};
 
 int parse(std::string const& text)
 {
@@ -45,48 +49,32 @@ int parse(std::string const& text)
     return std::stoi(text);
 }
 
-/// What the exception tells that parsing throws.
-std::string errorOf(std::string const& text)
-{
-    try
-    {
-        parse(text);
-    }
-    catch (std::exception const& e)
-    {
-        return e.what();
-    }
-    return "nothing was thrown";
-}
-
-template <typename T>
-void holdsSeven()
-{
-    T const value = 7;
-    QIX_CHECK(value == 7);
-}
-
 } // namespace
+
+// It is made before the first test of the group is run, and released behind the last one.
+QIX_GROUP_FIXTURE(sharing, CPrimes);
 
 QIX_TEST(sharing, findsFirst)
 {
-    QIX_CHECK(primes().front() == 2);
+    QIX_CHECK(qix::groupFixture<CPrimes>().getNumbers().front() == 2);
 }
 
 QIX_TEST(sharing, findsLast)
 {
-    QIX_CHECK(primes().back() == 7919);
+    QIX_CHECK(qix::groupFixture<CPrimes>().getNumbers().back() == 7919);
 }
 
 QIX_TEST(errors, tellWhatIsMissing)
 {
-    QIX_CHECK(errorOf("") == "there is no number");
+    QIX_CHECK_THROWS_WITH(parse(""), "there is no number");
+    QIX_CHECK_THROWS_WITH_AS(parse("seven"), qix::matchers::containsText("stoi"),
+                             std::invalid_argument);
 }
 
-QIX_TEST(types, holdSeven)
+QIX_TEST_TYPED(types, holdsSeven, (int, double))
 {
-    subTest("int", holdsSeven<int>);
-    subTest("double", holdsSeven<double>);
+    TypeParam const value = 7;
+    QIX_CHECK(value == 7);
 }
 
 QIX_TEST(output, manyLines)
