@@ -129,28 +129,12 @@ constexpr Explain* explanation() noexcept
 {
     constexpr bool isNear = (std::is_same_v<R, CApprox> && std::is_arithmetic_v<L>) ||
                             (std::is_same_v<L, CApprox> && std::is_arithmetic_v<R>);
-    if constexpr (std::is_scalar_v<L> && std::is_scalar_v<R>)
-    {
-        return nullptr;
-    }
-    else if constexpr (isNear || areTexts<L, R>)
-    {
-        return &explain<L, R>;
-    }
-    else if constexpr (std::is_same_v<L, R> && isPlain<L>)
+    constexpr bool isSamePlain = std::is_same_v<L, R> && isPlain<L>;
+    constexpr bool areOrderedRanges = areRanges<L, R> && !fulfils<L, HashTrait>;
+    constexpr bool areScalars = std::is_scalar_v<L> && std::is_scalar_v<R>;
+    if constexpr (!areScalars && (isNear || areTexts<L, R> || isSamePlain || areOrderedRanges))
     {
         return &explain<L, R>;
-    }
-    else if constexpr (areRanges<L, R>)
-    {
-        if constexpr (!fulfils<L, HashTrait>)
-        {
-            return &explain<L, R>;
-        }
-        else
-        {
-            return nullptr;
-        }
     }
     else
     {

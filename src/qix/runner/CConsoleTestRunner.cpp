@@ -166,7 +166,8 @@ void warnAboutDuration(CConsoleTestRunner const& runner, ITestItem::Duration dur
     {
         return;
     }
-    std::string const test = runner.getTestBreadcrumbs().c_str(); // ends at a null byte
+    std::string const breadcrumbs = runner.getTestBreadcrumbs();
+    std::string const test = breadcrumbs.substr(0, breadcrumbs.find('\0'));
     std::string const seconds = std::to_string(static_cast<int>(elapsed));
     if (elapsed < expected.shortest)
     {

@@ -98,7 +98,7 @@ std::string currentMessage()
     {
         return text;
     }
-    catch (std::string_view text)
+    catch (std::string_view const& text)
     {
         return std::string(text);
     }

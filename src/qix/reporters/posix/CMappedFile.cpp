@@ -121,7 +121,7 @@ std::string CMappedFile::read() const
     return bytes;
 }
 
-bool CMappedFile::writeAll(std::size_t offset, std::string_view bytes)
+bool CMappedFile::writeAll(std::size_t offset, std::string_view bytes) const
 {
     while (!bytes.empty())
     {

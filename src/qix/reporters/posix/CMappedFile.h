@@ -28,7 +28,7 @@ public:
 private:
     bool fail(char const* why);
     bool makeFile(std::string const& file, std::string const& bytes);
-    bool writeAll(std::size_t offset, std::string_view bytes);
+    bool writeAll(std::size_t offset, std::string_view bytes) const;
     void release() noexcept;
 
     std::string m_name; ///< behind all symbolic links

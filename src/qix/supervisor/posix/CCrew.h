@@ -34,7 +34,7 @@ public:
     CCrew& operator=(CCrew const&) = delete;
 
     /// Waits until all processes have ended; units that have not begun are not run any more.
-    ~CCrew();
+    ~CCrew() override;
 
     /// Waits until the unit has begun, or until no unit begins any more, since the run is
     /// interrupted. Those before it are skipped. Must be called with growing indices.

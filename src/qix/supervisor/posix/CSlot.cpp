@@ -35,7 +35,7 @@ void CPrintedTeller::tell()
     }
 }
 
-void CPrintedTeller::beginUnit() noexcept
+void CPrintedTeller::beginUnit() const noexcept
 {
     SlotState& state = m_work.slot.state();
     state.out.beginOfUnit = m_out;

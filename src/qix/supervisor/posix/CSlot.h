@@ -59,7 +59,7 @@ public:
     void tell();
 
     /// What is printed from now on belongs to a new unit.
-    void beginUnit() noexcept;
+    void beginUnit() const noexcept;
 
 private:
     SlotWork const& m_work;

@@ -31,6 +31,7 @@ void* faultOf(void const* context) noexcept
 {
 #if defined(__x86_64__)
     auto const* const state = static_cast<ucontext_t const*>(context);
+    // The system keeps the address as a number. NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<void*>(state->uc_mcontext.gregs[REG_RIP]);
 #elif defined(__aarch64__)
     auto const* const state = static_cast<ucontext_t const*>(context);

@@ -114,6 +114,7 @@ std::string readAll(int descriptor)
 std::string outputOf(std::vector<std::string> const& command)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string const& argument : command)
     {
         arguments.push_back(const_cast<char*>(argument.c_str()));
