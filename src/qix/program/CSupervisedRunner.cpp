@@ -1,5 +1,6 @@
 #include "program/CSupervisedRunner.h"
 
+#include "model/CFlagWhileAlive.h"
 #include "program/printError.h"
 #include "runner/CListeners.h"
 #include "runner/CRunEvents.h"
@@ -50,18 +51,6 @@ std::optional<std::chrono::nanoseconds> limitOfTest(ITestItem const& item,
     return std::chrono::duration_cast<std::chrono::nanoseconds>(
         Seconds(static_cast<double>(*limit) * options.timeLimitFactor));
 }
-
-class CFlagWhileAlive
-{
-public:
-    explicit CFlagWhileAlive(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
-    ~CFlagWhileAlive() { m_flag = false; }
-    CFlagWhileAlive(CFlagWhileAlive const&) = delete;
-    CFlagWhileAlive& operator=(CFlagWhileAlive const&) = delete;
-
-private:
-    bool& m_flag;
-};
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "registration/CRegisteredGroup.h"
 
 #include "guards/posix/CForkLock.h"
+#include "model/CFlagWhileAlive.h"
 #include "registration/CGroupRun.h"
 #include "registration/CTestMaker.h"
 
@@ -36,18 +37,6 @@ void addItems(Test const& test, Items& items)
 {
     items.push_back(CTestMaker::make(test));
 }
-
-class CFlagWhileAlive
-{
-public:
-    explicit CFlagWhileAlive(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
-    ~CFlagWhileAlive() { m_flag = false; }
-    CFlagWhileAlive(CFlagWhileAlive const&) = delete;
-    CFlagWhileAlive& operator=(CFlagWhileAlive const&) = delete;
-
-private:
-    bool& m_flag;
-};
 
 } // namespace
 
