@@ -25,8 +25,10 @@ ROOMS = {
     'reporters': [],
     'selection': ['runner'],
     'history': [],
-    'supervisor': ['runner', 'guards'],
-    'program': ['guards', 'runner', 'registration', 'selection', 'history', 'reporters',
+    'options': ['guards', 'history', 'reporters'],
+    'planning': ['guards', 'runner', 'registration', 'selection', 'history', 'options'],
+    'supervisor': ['guards', 'runner', 'options', 'planning'],
+    'program': ['guards', 'runner', 'selection', 'history', 'reporters', 'options', 'planning',
                 'supervisor'],
 }
 FOR_ALL = ['model', 'text']
@@ -43,9 +45,10 @@ PUBLIC = {
     'runner': ['CConsoleTestRunner'],
     'testing': ['CTestItem', 'CTestScope', 'detail/failure', 'detail/info', 'detail/section',
                 'detail/subTest', 'log', 'noteFailure', 'subTest'],
-    'checks': ['approx', 'detail/attempt', 'detail/check', 'detail/death',
-               'detail/difference', 'detail/matching', 'detail/reason', 'googleMockMatchers', 'hidden', 'matchers', 'matchers/combinations',
-               'matchers/containers', 'matchers/numbers', 'matchers/objects', 'matchers/texts'],
+    'checks': ['approx', 'detail/attempt', 'detail/check', 'detail/death', 'detail/difference',
+               'detail/matching', 'detail/reason', 'googleMockMatchers', 'hidden', 'matchers',
+               'matchers/combinations', 'matchers/containers', 'matchers/numbers',
+               'matchers/objects', 'matchers/texts'],
     'registration': ['attributes', 'detail/each', 'detail/groupFixture', 'detail/registration',
                      'detail/typed', 'groupFixture', 'values'],
     'support': ['CTestFolder', 'secret', 'util'],
@@ -113,9 +116,24 @@ def check_system(source):
                 yield f'{path.relative_to(source)}:{number}: belongs into posix/: {include}'
 
 
+def rooms_of_table(text):
+    row = re.compile(r'^\| \[(\w+)\]\(\.\./src/qix/\w+\) \|.*\|([^|]*)\|$', re.MULTILINE)
+    for room, known in row.findall(text):
+        yield room, sorted(name.strip() for name in known.split(',') if name.strip())
+
+
+def check_document(source):
+    document = source / 'docs' / 'design.md'
+    shown = dict(rooms_of_table(document.read_text(encoding='utf-8')))
+    for room in sorted({*shown, *ROOMS}):
+        if shown.get(room) != sorted(ROOMS.get(room, [])):
+            yield f'{document}: {room} may know {ROOMS.get(room)}, and not {shown.get(room)}'
+
+
 def main():
     source = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else '.').resolve()
-    mistakes = [*check_sources(source), *check_headers(source), *check_system(source)]
+    mistakes = [*check_sources(source), *check_headers(source), *check_system(source),
+                *check_document(source)]
     print('\n'.join(mistakes) or 'Every include fits the rooms.')
     return 1 if mistakes else 0
 

@@ -1,10 +1,10 @@
 #include "program/CReportSet.h"
 
-#include "program/printError.h"
 #include "reporters/CGithubAnnotations.h"
 #include "reporters/CJUnitReport.h"
 #include "reporters/CJsonEvents.h"
 #include "reporters/posix/CMappedFile.h"
+#include "runner/printError.h"
 
 #include <cstdlib>
 #include <memory>

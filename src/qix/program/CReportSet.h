@@ -2,7 +2,7 @@
 
 #include <zel/P.h>
 
-#include "program/RunOptions.h"
+#include "options/RunOptions.h"
 #include "reporters/CReport.h"
 
 #include <string>

@@ -3,15 +3,15 @@
 #include "guards/exitStatus.h"
 #include "guards/posix/CCrashGuard.h"
 #include "guards/posix/CExitGuard.h"
-#include "program/RunOptions.h"
-#include "program/bazelProtocol.h"
+#include "options/RunOptions.h"
+#include "options/bazelProtocol.h"
 #include "program/posix/CFileSizeLimit.h"
 #include "program/posix/CPrematureExitFile.h"
 #include "program/posix/standardDescriptors.h"
 #include "program/posix/standardInput.h"
-#include "program/printError.h"
 #include "program/runWithOptions.h"
 #include "runner/posix/logFile.h"
+#include "runner/printError.h"
 #include "text/messageOf.h"
 
 #include <clocale>

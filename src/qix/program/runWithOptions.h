@@ -1,6 +1,6 @@
 #pragma once
 
-#include "program/RunOptions.h"
+#include "options/RunOptions.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
-#include "program/CPlannedRun.h"
+#include "planning/CPlannedRun.h"
 
 #include "guards/exitStatus.h"
-#include "program/printError.h"
+#include "runner/printError.h"
 #include "selection/testOrder.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "program/CTestSelection.h"
+#include "planning/CTestSelection.h"
 
 #include <string>
 

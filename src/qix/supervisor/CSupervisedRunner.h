@@ -1,8 +1,8 @@
 #pragma once
 
-#include "program/CPlannedRunner.h"
-#include "program/CRecordingRunner.h"
-#include "program/RunOptions.h"
+#include "options/RunOptions.h"
+#include "planning/CPlannedRunner.h"
+#include "supervisor/CRecordingRunner.h"
 #include "supervisor/IReplayTarget.h"
 #include "supervisor/Unit.h"
 #include "supervisor/posix/CCrew.h"

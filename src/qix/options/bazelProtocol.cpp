@@ -1,6 +1,6 @@
-#include "program/bazelProtocol.h"
+#include "options/bazelProtocol.h"
 
-#include "program/numbers.h"
+#include "options/numbers.h"
 
 #include <cerrno>
 #include <cstdlib>

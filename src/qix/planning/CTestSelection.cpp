@@ -1,7 +1,7 @@
-#include "program/CTestSelection.h"
+#include "planning/CTestSelection.h"
 
 #include "guards/exitStatus.h"
-#include "program/printError.h"
+#include "runner/printError.h"
 #include "runner/startUp.h"
 #include "selection/nearestIds.h"
 #include "selection/shards.h"

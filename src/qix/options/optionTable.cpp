@@ -1,7 +1,7 @@
-#include "program/optionTable.h"
+#include "options/optionTable.h"
 
 #include "guards/exitStatus.h"
-#include "program/numbers.h"
+#include "options/numbers.h"
 
 #include <algorithm>
 #include <cerrno>

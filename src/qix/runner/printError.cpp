@@ -1,4 +1,4 @@
-#include "program/printError.h"
+#include "runner/printError.h"
 
 #include <cstdio>
 #include <cstring>

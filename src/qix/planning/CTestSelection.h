@@ -1,7 +1,7 @@
 #pragma once
 
-#include "program/CPlannedRunner.h"
-#include "program/RunOptions.h"
+#include "options/RunOptions.h"
+#include "planning/CPlannedRunner.h"
 #include "selection/CTestPlan.h"
 #include "selection/TestPatterns.h"
 

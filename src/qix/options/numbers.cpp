@@ -1,4 +1,4 @@
-#include "program/numbers.h"
+#include "options/numbers.h"
 
 #include <limits>
 

@@ -1,4 +1,4 @@
-#include "program/listTests.h"
+#include "planning/listTests.h"
 
 #include <qix/ILocatedItem.h>
 #include <qix/ITaggedItem.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "program/CPlannedRunner.h"
+#include "planning/CPlannedRunner.h"
 #include "supervisor/Unit.h"
 
 #include <qix/TestOutcome.h>

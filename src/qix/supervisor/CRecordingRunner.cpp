@@ -1,4 +1,4 @@
-#include "program/CRecordingRunner.h"
+#include "supervisor/CRecordingRunner.h"
 
 #include <qix/ILocatedItem.h>
 #include <qix/detail/passedCheck.h>

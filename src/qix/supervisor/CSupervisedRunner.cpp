@@ -1,9 +1,9 @@
-#include "program/CSupervisedRunner.h"
+#include "supervisor/CSupervisedRunner.h"
 
 #include "model/CFlagWhileAlive.h"
-#include "program/printError.h"
 #include "runner/CListeners.h"
 #include "runner/CRunEvents.h"
+#include "runner/printError.h"
 #include "supervisor/CRecordedUnit.h"
 #include "supervisor/CReplay.h"
 #include "supervisor/posix/CInterrupts.h"

@@ -1,4 +1,4 @@
-#include "program/CPlannedRunner.h"
+#include "planning/CPlannedRunner.h"
 
 #include <qix/CTestItemGroup.h>
 

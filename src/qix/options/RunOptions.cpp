@@ -1,6 +1,6 @@
-#include "program/RunOptions.h"
+#include "options/RunOptions.h"
 
-#include "program/optionTable.h"
+#include "options/optionTable.h"
 
 #include <algorithm>
 #include <stdexcept>
