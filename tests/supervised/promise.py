@@ -14,6 +14,8 @@ from pathlib import Path
 WAYS = [["--jobs=1"], ["--jobs=2"], ["--jobs=8"], ["--isolate"], ["--isolate", "--jobs=3"]]
 # What differs from run to run in a file of events.
 VARYING = re.compile(rb'"(seconds|start)":[^,}]*|"options":\[.*?\]')
+# What does in a file for JUnit.
+VARYING_IN_JUNIT = re.compile(rb' (time|timestamp)="[^"]*"')
 SELECTIONS = [[], ["+++"], ["+"], ["--order=random:5", "++"], ["--shard=1/2", "+++", "i"]]
 
 
@@ -25,13 +27,16 @@ def run(binary, seed, arguments, folder):
     for name in ("QIX_SLOT", "BAZEL_TEST"):
         environment.pop(name, None)
     events = folder.with_name(folder.name + ".events")
-    result = subprocess.run([binary, *arguments, "--durations=1", f"--output-events={events}"], env=environment, check=False,
+    junit = folder.with_name(folder.name + ".xml")
+    result = subprocess.run([binary, *arguments, "--durations=1", f"--output-events={events}",
+                             f"--output-junit={junit}"], env=environment, check=False,
                             stdin=subprocess.DEVNULL, capture_output=True, timeout=100)
     logs = sorted(folder.glob("*/testLog.txt"))
     log = logs[0].read_bytes() if logs else None
     output = result.stdout.split(b"Slowest tests, in seconds:")[0]
     return {"output": output, "errors": result.stderr, "log": log, "status": result.returncode,
-            "events": VARYING.sub(b"", events.read_bytes())}
+            "events": VARYING.sub(b"", events.read_bytes()),
+            "report": VARYING_IN_JUNIT.sub(b"", junit.read_bytes())}
 
 
 def around_difference(expected, shown):

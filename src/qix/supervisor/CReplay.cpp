@@ -8,8 +8,11 @@
 #include "supervisor/outcomeMessages.h"
 #include "text/decodedText.h"
 
+#include <functional>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 
 namespace qix
 {
@@ -138,6 +141,15 @@ TestOutcome failure(std::string_view text)
                                   " where none is expected"));
 }
 
+/// A source location points to a text that lives as long as the program: listeners keep it beyond
+/// the message. There are as many as source files.
+char const* keepFileName(std::string_view file)
+{
+    static std::set<std::string, std::less<>> names;
+    auto const known = names.find(file);
+    return (known != names.end() ? known : names.emplace(file).first)->c_str();
+}
+
 } // namespace
 
 void addMoment(CMessageWriter& message, Moment const& moment)
@@ -190,8 +202,8 @@ void CReplay::begin(ITestRunner& runner, CMessageReader message)
     auto const duration = static_cast<ITestItem::Duration>(message.number());
     bool const isInteractive = message.number() != 0;
     bool const containsAnyInteractive = message.number() != 0;
-    std::string const file(message.text());
-    SourceLocation const location = {file.c_str(), static_cast<int>(message.number())};
+    std::string_view const file = message.text();
+    SourceLocation const location = {keepFileName(file), static_cast<int>(message.number())};
     Moment const begin = readMoment(message);
     CReportedLocation const reported(file.empty() ? nullptr : &location);
     if (runner.beginSubTest(name, duration, isInteractive, containsAnyInteractive))
