@@ -172,7 +172,7 @@ TEST(Messages, takeWhateverCanBeWritten)
     EXPECT_EQ(messageOf(18446744073709551615U), "18446744073709551615");
     EXPECT_EQ(messageOf(0.1), "0.1");
     EXPECT_EQ(messageOf(0.1f), "0.1");
-    EXPECT_EQ(messageOf(0.1L + 0.2L), "0.3");
+    EXPECT_EQ(messageOf(0.123456789012345678L), "0.123456789012345678");
     EXPECT_EQ(messageOf(nullptr), "nullptr");
     EXPECT_EQ(messageOf(std::vector<int>{1, 2}), "{1, 2}");
     EXPECT_EQ(messageOf(Described()), "<described>");

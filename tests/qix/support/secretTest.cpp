@@ -594,6 +594,16 @@ std::size_t takenAddresses()
     return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
+constexpr int cannotBeLimited = 98;
+
+/// Emulators of another processor take the limit and do not heed it; they tell when they are asked.
+bool limitAddresses(rlim_t limit)
+{
+    rlimit addresses = {limit, limit};
+    return setrlimit(RLIMIT_AS, &addresses) == 0 && getrlimit(RLIMIT_AS, &addresses) == 0 &&
+           addresses.rlim_cur == limit;
+}
+
 /// A look-up with little memory in the file whose text has NULs behind it.
 void expectWithLittleMemory(std::int64_t length, zel::String const& value, std::string const& error)
 {
@@ -606,14 +616,21 @@ void expectWithLittleMemory(std::int64_t length, zel::String const& value, std::
         [&value, &error]
         {
             rlim_t const limit = takenAddresses() + (std::size_t{256} << 20);
-            rlimit const little = {limit, limit};
-            setrlimit(RLIMIT_AS, &little);
+            if (!limitAddresses(limit))
+            {
+                return cannotBeLimited;
+            }
             zel::String found;
             bool const asExpected =
                 errorOf([&found] { found = getTestSecret("a", "key"); }) == error && found == value;
             return asExpected ? 0 : 1;
         });
-    EXPECT_EQ(child.waitForExit(), 0);
+    int const status = child.waitForExit();
+    if (status == cannotBeLimited)
+    {
+        GTEST_SKIP() << "memory cannot be limited here";
+    }
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(secretTest, aFileThatIsTooLargeForTheMemoryIsAnError)
