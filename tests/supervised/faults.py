@@ -4,14 +4,13 @@
 usage: faults.py BINARY [NAME...]    the faults of these names, by default all
 """
 
-import os
 import re
-import signal
 import subprocess
 import sys
 import tempfile
 import time
-from pathlib import Path
+
+from runs import environment_in, left_processes
 
 # The name of the group, what the run tells on either stream, and the options that it needs.
 LIMIT = ["--time-limit=1"]
@@ -54,21 +53,8 @@ STATUS = {"staticDestructor": 2}
 WAYS = [["--jobs=2"], ["--isolate"]]
 
 
-def left_processes():
-    """What tests have started and is still there."""
-    left = []
-    for folder in Path("/proc").glob("[0-9]*"):
-        try:
-            command = (folder / "cmdline").read_bytes()
-        except OSError:
-            continue
-        if b"sleep\x0031415" in command:
-            left.append(folder.name)
-    return left
-
-
 def run(binary, name, way, folder):
-    environment = {**os.environ, "LC_ALL": "C.UTF-8", "QIX_TESTWORKDIR": folder}
+    environment = environment_in(folder)
     begin = time.monotonic()
     # Its text is not decoded, since a test may print any bytes.
     result = subprocess.run([binary, f"--run={name}", *way, *FAULTS[name][1]], env=environment,
@@ -80,6 +66,7 @@ def run(binary, name, way, folder):
 def mistakes_of(binary, name, way):
     with tempfile.TemporaryDirectory(prefix="qix faults ") as folder:
         told, status, _ = run(binary, name, way, folder)
+        left = left_processes(folder)
     expected = STATUS.get(name, 0 if name in PASSING else 1)
     # The group itself is counted, too; set-up and tear-down have no test in front.
     passing = {"setUp": 2, "tearDown": 2, "row": 4}.get(name, 3) + (name in PASSING)
@@ -89,52 +76,12 @@ def mistakes_of(binary, name, way):
         yield f"not {passing} OK"
     if status != expected:
         yield f"exit status {status} instead of {expected}"
-    for process in left_processes():
+    for process in left:
         yield f"process {process} is left"
-
-
-def mistakes_of_signal(binary, number, pause):
-    """The run is ended by a signal: nothing stays, and it tells what has run if it can."""
-    with tempfile.TemporaryDirectory(prefix="qix faults ") as folder:
-        environment = {**os.environ, "LC_ALL": "C.UTF-8", "QIX_TESTWORKDIR": folder}
-        process = subprocess.Popen([binary, "--run=waits", "--jobs=2"], env=environment,
-                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
-        if number == signal.SIGKILL:
-            time.sleep(pause)
-        else:
-            # The dot of the first test and that of the row.
-            wait_for(process, b"> waits .waiting\n.")
-        process.send_signal(number)
-        told = process.communicate(timeout=60)[0].decode(errors="replace")
-    deadline = time.monotonic() + 60  # a loaded machine takes its time
-    while left_processes() and time.monotonic() < deadline:
-        time.sleep(0.01)
-    for left in left_processes():
-        yield f"process {left} is left"
-    if process.returncode != -number:
-        yield f"exit status {process.returncode}"
-    if number != signal.SIGKILL and ("the run was interrupted" not in told or
-                                     "Tests that were not run: 1\n" not in told):
-        yield f"told was {told!r}"
-
-
-def wait_for(process, text):
-    seen = b""
-    while not seen.endswith(text):
-        byte = process.stdout.read(1)
-        if not byte:
-            return
-        seen += byte
 
 
 def main(binary, *names):
     count = 0
-    if not names:
-        moments = [(signal.SIGKILL, pause / 50) for pause in range(10)]
-        for number, pause in [(signal.SIGINT, 0), (signal.SIGTERM, 0), *moments]:
-            for mistake in mistakes_of_signal(binary, number, pause):
-                count += 1
-                print(f"signal {number} after {pause} s: {mistake}")
     for name in names or FAULTS:
         for way in WAYS:
             for mistake in mistakes_of(binary, name, way):

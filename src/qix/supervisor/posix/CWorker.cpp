@@ -46,10 +46,10 @@ bool hasChildren() noexcept
     return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0 || errno != ECHILD;
 }
 
-/// Those whose parents have ended are children of the keeper, whose child this process is.
-std::vector<pid_t> listLeftovers()
+/// Those whose parents have ended are children of the keeper.
+std::vector<pid_t> listLeftovers(pid_t keeper)
 {
-    std::vector<pid_t> processes = listDescendants(getppid());
+    std::vector<pid_t> processes = listDescendants(keeper);
     processes.erase(std::remove(processes.begin(), processes.end(), getpid()), processes.end());
     return processes;
 }
@@ -57,7 +57,7 @@ std::vector<pid_t> listLeftovers()
 } // namespace
 
 CWorker::CWorker(SlotWork const& work)
-    : m_work(work), m_printed(work), m_begin(std::chrono::steady_clock::now())
+    : m_work(work), m_keeper(getppid()), m_printed(work), m_begin(std::chrono::steady_clock::now())
 {
 }
 
@@ -189,7 +189,8 @@ void CWorker::endLeftovers()
         return;
     }
     bool isFirstRound = true;
-    for (std::vector<pid_t> left = listLeftovers(); !left.empty(); left = listLeftovers())
+    for (std::vector<pid_t> left = listLeftovers(m_keeper); !left.empty();
+         left = listLeftovers(m_keeper))
     {
         for (pid_t const process : left)
         {

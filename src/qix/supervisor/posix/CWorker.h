@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <optional>
 
+#include <sys/types.h>
+
 namespace qix
 {
 
@@ -33,6 +35,7 @@ private:
     void tellLeftover(pid_t process);
 
     SlotWork const& m_work;
+    pid_t m_keeper; ///< the parent, as long as it is there
     CPrintedTeller m_printed;
     std::chrono::steady_clock::time_point m_begin;
     std::uint64_t m_unitsRun = 0;

@@ -1,15 +1,18 @@
 #include "supervisor/posix/processTree.h"
 
+#include "supervisor/posix/CDescriptor.h"
+
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <thread>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,12 +21,6 @@ namespace qix
 
 namespace
 {
-
-std::string readFile(std::string const& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 struct Status
 {
@@ -34,7 +31,7 @@ struct Status
 /// The name of the program stands in parentheses and may hold any others.
 Status statusOf(pid_t process)
 {
-    std::string const text = readFile("/proc/" + std::to_string(process) + "/stat");
+    std::string const text = readOfProcess(process, "stat");
     std::size_t const end = text.rfind(')');
     if (end == std::string::npos || text.size() < end + 4)
     {
@@ -66,6 +63,20 @@ std::multimap<pid_t, pid_t> listChildren()
 
 } // namespace
 
+std::string readOfProcess(pid_t process, std::string const& name)
+{
+    std::string text;
+    std::array<char, 4096> buffer{};
+    std::string const path = "/proc/" + std::to_string(process) + '/' + name;
+    CDescriptor const file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    for (ssize_t count = read(file.get(), buffer.data(), buffer.size()); count > 0;
+         count = read(file.get(), buffer.data(), buffer.size()))
+    {
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    return text;
+}
+
 std::vector<pid_t> listDescendants(pid_t ancestor)
 {
     std::multimap<pid_t, pid_t> const children = listChildren();
@@ -82,7 +93,7 @@ std::vector<pid_t> listDescendants(pid_t ancestor)
 
 std::string commandOf(pid_t process)
 {
-    std::string command = readFile("/proc/" + std::to_string(process) + "/cmdline");
+    std::string command = readOfProcess(process, "cmdline");
     while (!command.empty() && command.back() == '\0')
     {
         command.pop_back();

@@ -8,6 +8,11 @@
 namespace qix
 {
 
+/// What the system tells of the process in the file of that name, as far as it can be read: a
+/// process may end between the opening and the reading, which a stream would answer by an
+/// exception.
+std::string readOfProcess(pid_t process, std::string const& name);
+
 /// All processes that the given one has started, and those that they have, as far as they have not
 /// been left to another process.
 std::vector<pid_t> listDescendants(pid_t ancestor);
