@@ -2,10 +2,28 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace qix
 {
+
+namespace
+{
+
+thread_local std::string t_spareBytes;
+
+} // namespace
+
+CMessageWriter::CMessageWriter(MessageKind kind) : m_bytes(std::exchange(t_spareBytes, {}))
+{
+    m_bytes.assign(1, static_cast<char>(kind));
+}
+
+CMessageWriter::~CMessageWriter()
+{
+    t_spareBytes.swap(m_bytes);
+}
 
 CMessageWriter& CMessageWriter::add(std::uint64_t number)
 {

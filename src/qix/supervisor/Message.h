@@ -36,11 +36,15 @@ public:
     virtual void send(std::string_view message) = 0;
 };
 
-/// Makes one message. Numbers and texts are read in the order in which they were added.
+/// Makes one message. Numbers and texts are read in the order in which they were added. The memory
+/// goes from each to the next of its thread, so that most of them need none of their own.
 class CMessageWriter
 {
 public:
-    explicit CMessageWriter(MessageKind kind) { m_bytes += static_cast<char>(kind); }
+    explicit CMessageWriter(MessageKind kind);
+    CMessageWriter(CMessageWriter const&) = delete;
+    CMessageWriter& operator=(CMessageWriter const&) = delete;
+    ~CMessageWriter();
 
     CMessageWriter& add(std::uint64_t number);
     CMessageWriter& add(std::string_view text);

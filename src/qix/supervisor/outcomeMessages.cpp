@@ -35,7 +35,12 @@ private:
 
 void addOutcome(CMessageWriter& message, TestOutcome const& outcome)
 {
-    message.add(outcome.kind).add(std::string_view(outcome.message)).add(outcome.reason);
+    message.add(outcome.kind);
+    if (outcome.kind == TestOutcome::Ok)
+    {
+        return;
+    }
+    message.add(std::string_view(outcome.message)).add(outcome.reason);
     message.add(outcome.failures.size());
     for (CheckFailure const& failure : outcome.failures)
     {
@@ -50,6 +55,10 @@ TestOutcome readOutcome(CMessageReader& message)
 {
     TestOutcome outcome;
     outcome.kind = static_cast<TestOutcome::Kind>(message.number());
+    if (outcome.kind == TestOutcome::Ok)
+    {
+        return outcome;
+    }
     outcome.message = message.text();
     outcome.reason = message.string();
     for (std::uint64_t left = message.number(); left > 0; --left)

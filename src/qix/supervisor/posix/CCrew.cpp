@@ -31,7 +31,7 @@ constexpr std::size_t mostKept = 64U << 20U;
 
 constexpr std::size_t roomWorthCompacting = 1U << 16U;
 constexpr int longestWait = 50; ///< milliseconds
-constexpr std::size_t unitsBetweenLooks = 32;
+constexpr std::size_t unitsBetweenLooks = 128;
 constexpr char const interruptedText[] = "the run was interrupted";
 constexpr char const lostText[] = "the process that watches over the test's process was ended";
 
@@ -365,7 +365,7 @@ void CCrew::replaceKeeper(Place& place)
         place.slot->ring().send(
             CMessageWriter(MessageKind::Died).add(std::string_view(lostText)).bytes());
         state.isInUnit = 0;
-        state.unit = state.unit + 1;
+        state.isUnitLeft = 0;
     }
     startKeeper(place);
 }

@@ -147,7 +147,7 @@ bool CKeeper::isWorkLeft() const noexcept
 {
     SlotState const& state = m_work.slot.state();
     return m_work.crew.isStopped == 0 &&
-           (state.unit < state.endOfUnits || m_work.crew.nextUnit < m_work.units.size());
+           (state.isUnitLeft != 0 || m_work.crew.nextUnit < m_work.units.size());
 }
 
 void CKeeper::startWorker()
@@ -315,7 +315,7 @@ void CKeeper::tellEnd()
     if (m_work.options.isIsolated && state.isInUnit == 0 && state.isEnding != 0)
     {
         m_work.slot.ring().send(CMessageWriter(MessageKind::UnitEnd).bytes());
-        state.unit = state.unit + 1;
+        state.isUnitLeft = 0;
     }
     state.isInUnit = 0;
     m_work.slot.ring().wakeSupervisor();
@@ -330,7 +330,7 @@ void CKeeper::tellDeath()
     std::string const text = m_reason.empty() ? describeEnding(m_status, state.crash)
                                               : m_reason + describeStack(state.crash);
     ring.send(CMessageWriter(MessageKind::Died).add(std::string_view(text)).bytes());
-    state.unit = state.unit + 1;
+    state.isUnitLeft = 0;
 }
 
 } // namespace qix

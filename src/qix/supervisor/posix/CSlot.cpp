@@ -1,5 +1,9 @@
 #include "supervisor/posix/CSlot.h"
 
+#include <iterator>
+
+#include <poll.h>
+
 namespace qix
 {
 
@@ -21,7 +25,7 @@ void CPrintedTeller::begin() noexcept
 
 void CPrintedTeller::tell()
 {
-    if (m_work.options.isInteractive)
+    if (m_work.options.isInteractive || isNothingNew())
     {
         return;
     }
@@ -33,6 +37,23 @@ void CPrintedTeller::tell()
         m_err = err;
         m_work.slot.ring().send(CMessageWriter(MessageKind::Printed).add(out).add(err).bytes());
     }
+}
+
+/// One system call tells this of both streams. What is read meanwhile is new perhaps.
+bool CPrintedTeller::isNothingNew() const noexcept
+{
+    StreamState const& out = m_work.slot.state().out;
+    StreamState const& err = m_work.slot.state().err;
+    std::uint32_t const outVersion = out.version;
+    std::uint32_t const errVersion = err.version;
+    if (outVersion % 2 != 0 || errVersion % 2 != 0 || out.read != m_out || err.read != m_err)
+    {
+        return false;
+    }
+    pollfd pipes[] = {{m_work.slot.out().reader(), POLLIN, 0},
+                      {m_work.slot.err().reader(), POLLIN, 0}};
+    bool const areEmpty = poll(pipes, std::size(pipes), 0) == 0;
+    return areEmpty && out.version == outVersion && err.version == errVersion;
 }
 
 void CPrintedTeller::beginUnit() const noexcept

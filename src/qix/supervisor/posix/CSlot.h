@@ -62,6 +62,8 @@ public:
     void beginUnit() const noexcept;
 
 private:
+    bool isNothingNew() const noexcept;
+
     SlotWork const& m_work;
     std::uint64_t m_out = 0;
     std::uint64_t m_err = 0;

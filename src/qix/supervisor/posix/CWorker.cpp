@@ -24,13 +24,20 @@ constexpr std::uint64_t farthestAhead = 1U << 14U;
 
 constexpr std::chrono::microseconds pause(200);
 
-/// Units that take less are taken several at a time.
-constexpr std::chrono::microseconds quick(50);
-constexpr std::uint64_t quickUnitsAtOnce = 16;
+/// No process can be started in less.
+constexpr std::chrono::microseconds quick(20);
+
+/// How long nobody looks at what quick units have left of the process.
+constexpr std::chrono::microseconds longestUnseen(500);
 
 std::int64_t now() noexcept
 {
     return std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
+}
+
+constexpr std::int64_t inNanoseconds(std::chrono::nanoseconds time) noexcept
+{
+    return time.count();
 }
 
 long faultsOfChildren() noexcept
@@ -56,8 +63,7 @@ std::vector<pid_t> listLeftovers(pid_t keeper)
 
 } // namespace
 
-CWorker::CWorker(SlotWork const& work)
-    : m_work(work), m_keeper(getppid()), m_printed(work), m_begin(std::chrono::steady_clock::now())
+CWorker::CWorker(SlotWork const& work) : m_work(work), m_keeper(getppid()), m_printed(work)
 {
 }
 
@@ -81,35 +87,22 @@ void CWorker::run()
 std::optional<std::uint64_t> CWorker::takeUnit()
 {
     SlotState& state = m_work.slot.state();
-    if (state.unit >= state.endOfUnits && !takeUnits())
+    if (state.isUnitLeft == 0)
     {
-        return std::nullopt;
+        state.unit = m_work.crew.nextUnit.fetch_add(1);
+        state.isUnitLeft = 1;
     }
     std::uint64_t const unit = state.unit;
+    if (unit >= m_work.units.size())
+    {
+        state.isUnitLeft = 0;
+        return std::nullopt;
+    }
     while (!mayBegin(unit))
     {
         std::this_thread::sleep_for(pause);
     }
     return m_work.crew.isStopped == 0 ? std::optional(unit) : std::nullopt;
-}
-
-/// False when nothing is left.
-bool CWorker::takeUnits()
-{
-    SlotState& state = m_work.slot.state();
-    std::uint64_t const count = unitsAtOnce();
-    std::uint64_t const begin = m_work.crew.nextUnit.fetch_add(count);
-    std::uint64_t const all = m_work.units.size();
-    state.unit = std::min(begin, all);
-    state.endOfUnits = std::min(begin + count, all);
-    return begin < all;
-}
-
-std::uint64_t CWorker::unitsAtOnce() const
-{
-    bool const areQuick = !m_work.options.isIsolated && m_unitsRun > quickUnitsAtOnce &&
-                          (std::chrono::steady_clock::now() - m_begin) / m_unitsRun < quick;
-    return areQuick ? quickUnitsAtOnce : 1;
 }
 
 bool CWorker::mayBegin(std::uint64_t unit) const noexcept
@@ -124,10 +117,7 @@ void CWorker::runUnit(std::uint64_t index)
 {
     SlotState& state = m_work.slot.state();
     Unit const& unit = m_work.units[index];
-    if (unit.timeLimit)
-    {
-        state.unitBegin = now();
-    }
+    state.unitBegin = now();
     state.isInUnit = 1;
     m_work.slot.ring().send(CMessageWriter(MessageKind::UnitBegin).add(index).bytes());
     m_work.runner.runUnit(unit, *this);
@@ -137,10 +127,8 @@ void CWorker::runUnit(std::uint64_t index)
 void CWorker::endUnit(std::uint64_t index)
 {
     SlotState& state = m_work.slot.state();
-    endLeftovers();
-    m_isIntact = isIntact();
+    lookAtProcess();
     m_printed.beginUnit();
-    ++m_unitsRun;
     if (m_work.options.isIsolated)
     {
         // The keeper tells of the end when the process has ended.
@@ -149,12 +137,27 @@ void CWorker::endUnit(std::uint64_t index)
     }
     m_work.slot.ring().send(CMessageWriter(MessageKind::UnitEnd).bytes());
     state.isInUnit = 0;
-    state.unit = index + 1;
+    state.isUnitLeft = 0;
     // A descriptor of this process may be some other file by now.
     if (m_work.crew.wantedUnit == index && m_isIntact)
     {
         m_work.slot.ring().wakeSupervisor();
     }
+}
+
+/// Costs more than a quick unit, and so is done once for several of these.
+void CWorker::lookAtProcess()
+{
+    std::int64_t const end = now();
+    bool const isQuick = end - m_work.slot.state().unitBegin < inNanoseconds(quick) &&
+                         end - m_lastLook < inNanoseconds(longestUnseen);
+    if (isQuick && !m_work.options.isIsolated)
+    {
+        return;
+    }
+    endLeftovers();
+    m_isIntact = isIntact();
+    m_lastLook = end;
 }
 
 bool CWorker::isIntact() const noexcept

@@ -2,7 +2,6 @@
 
 #include "supervisor/posix/CSlot.h"
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -25,11 +24,10 @@ private:
     void send(std::string_view message) override;
 
     std::optional<std::uint64_t> takeUnit();
-    bool takeUnits();
-    std::uint64_t unitsAtOnce() const;
     bool mayBegin(std::uint64_t unit) const noexcept;
     void runUnit(std::uint64_t index);
     void endUnit(std::uint64_t index);
+    void lookAtProcess();
     bool isIntact() const noexcept;
     void endLeftovers();
     void tellLeftover(pid_t process);
@@ -37,10 +35,9 @@ private:
     SlotWork const& m_work;
     pid_t m_keeper; ///< the parent, as long as it is there
     CPrintedTeller m_printed;
-    std::chrono::steady_clock::time_point m_begin;
-    std::uint64_t m_unitsRun = 0;
-    bool m_isIntact = true; ///< no test has spoilt the process for the next ones
-    long m_childFaults = 0; ///< of ended children: another number tells of a new one
+    std::int64_t m_lastLook = 0; ///< at what units have left of the process, in nanoseconds
+    bool m_isIntact = true;      ///< no test has spoilt the process for the next ones
+    long m_childFaults = 0;      ///< of ended children: another number tells of a new one
 };
 
 } // namespace qix

@@ -8,14 +8,21 @@
 namespace qix
 {
 
+/// What different processes write often lies apart.
+constexpr std::size_t cacheLine = 64;
+
 /// What all processes of a crew share.
 struct CrewState
 {
-    std::atomic<std::uint64_t> nextUnit{0};   ///< the first that nobody has taken
-    std::atomic<std::uint64_t> wantedUnit{0}; ///< what the supervisor waits for, or comes to next
-    std::atomic<std::uint32_t> isWaiting{0};  ///< the supervisor wants to be woken
-    std::atomic<std::uint32_t> isOverfull{0}; ///< nobody takes a unit but the one that is wanted
-    std::atomic<std::uint32_t> isStopped{0};  ///< nobody takes a unit
+    alignas(cacheLine) std::atomic<std::uint64_t> nextUnit{0}; ///< the first nobody has taken
+
+    /// What the supervisor waits for, or comes to next.
+    alignas(cacheLine) std::atomic<std::uint64_t> wantedUnit{0};
+
+    /// The supervisor wants to be woken.
+    alignas(cacheLine) std::atomic<std::uint32_t> isWaiting{0};
+    std::atomic<std::uint32_t> isOverfull{0};    ///< nobody takes a unit but the one that is wanted
+    std::atomic<std::uint32_t> isStopped{0};     ///< nobody takes a unit
     std::atomic<std::uint32_t> hasEndedBadly{0}; ///< a process, behind all of its units
 };
 
@@ -57,11 +64,11 @@ struct StreamState
 /// tests, of which there is never more than one at a time.
 struct SlotState
 {
-    std::atomic<std::uint64_t> written{0};    ///< bytes of messages
-    std::atomic<std::uint64_t> taken{0};      ///< bytes of messages
+    alignas(cacheLine) std::atomic<std::uint64_t> taken{0};   ///< bytes of messages
+    alignas(cacheLine) std::atomic<std::uint64_t> written{0}; ///< bytes of messages
     std::atomic<std::uint32_t> isHungry{0};   ///< the supervisor has done all that it was told
-    std::atomic<std::uint64_t> unit{0};       ///< the one that is being run
-    std::atomic<std::uint64_t> endOfUnits{0}; ///< of those that were taken together
+    std::atomic<std::uint64_t> unit{0};       ///< the one that was taken last
+    std::atomic<std::uint32_t> isUnitLeft{0}; ///< that one has not come to its end
     std::atomic<std::uint32_t> isInUnit{0};
     std::atomic<std::uint32_t> isEnding{0};  ///< the process has run all that it is going to run
     std::atomic<std::uint64_t> owed{0};      ///< bytes of a message that is being written in parts
