@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -293,6 +294,16 @@ FAULT(flaky)
     QIX_CHECK(!isFirst);
 }
 END(flaky)
+
+/// Uses much, and does nothing wrong.
+FAULT(busy)
+{
+    std::vector<char> const much(64U << 20U, 'x');
+    for (std::clock_t const end = std::clock() + CLOCKS_PER_SEC / 10; std::clock() < end;)
+    {
+    }
+}
+END(busy)
 
 FAULT(staticDestructor)
 {

@@ -4,6 +4,7 @@
 #include <qix/TestInfo.h>
 
 #include "history/posix/CRunRecorder.h"
+#include "model/TestProcess.h"
 #include "selection/CSubTestFilter.h"
 #include "selection/CTestPlan.h"
 #include "selection/testOrder.h"
@@ -53,6 +54,9 @@ public:
 
     /// The ids of those tests that have passed when they were tried again.
     virtual std::vector<std::string> listFlaky() const { return {}; }
+
+    /// What is known of the process that has run what ends just now.
+    virtual TestProcess testProcess() const { return {}; }
 
     /// True when something has gone wrong that no test has failed by.
     virtual bool hasTrouble() const noexcept { return false; }

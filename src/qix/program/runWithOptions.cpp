@@ -96,6 +96,7 @@ ReportContext makeContext(std::string const& program, RunOptions const& options,
     }
     context.options = options.given;
     context.idOf = [&runner](TestInfo const& test) { return runner.idOf(test); };
+    context.process = [&runner] { return runner.testProcess(); };
     return context;
 }
 

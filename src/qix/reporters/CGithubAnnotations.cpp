@@ -3,6 +3,7 @@
 #include "model/formatFailure.h"
 
 #include <cstdio>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -54,28 +55,48 @@ void CGithubAnnotations::endTest(Test const& test, TestOutcome const& outcome)
 {
     for (CheckFailure const& failure : outcome.failures)
     {
-        if (m_printed < shownByGithub)
+        if (m_errors < shownByGithub)
         {
-            print(test, failure);
-            ++m_printed;
+            printFailure(test, failure);
+            ++m_errors;
         }
+    }
+    std::optional<std::string> const firstFailure = context().process().firstFailure;
+    if (firstFailure && m_warnings < shownByGithub)
+    {
+        printFlaky(test, *firstFailure);
+        ++m_warnings;
     }
 }
 
 /// What was printed in front of this has ended its line.
-void CGithubAnnotations::print(Test const& test, CheckFailure const& failure)
+void CGithubAnnotations::printFailure(Test const& test, CheckFailure const& failure)
 {
     CheckFailure withoutPlace = failure;
     withoutPlace.file.clear();
-    std::string line = "::error ";
-    if (!failure.file.empty())
+    print("error", failure.file, failure.line, test.id, formatFailure(withoutPlace));
+}
+
+void CGithubAnnotations::printFlaky(Test const& test, std::string const& firstFailure)
+{
+    // The progress of a test that has passed has no line for itself.
+    std::putchar('\n');
+    auto const& location = test.info->location;
+    print("warning", location ? location->file : "", location ? location->line : 0, test.id,
+          "flaky: it failed before it passed\n" + firstFailure);
+}
+
+void CGithubAnnotations::print(char const* level, std::string const& file, int line,
+                               std::string const& title, std::string const& text) const
+{
+    std::string command = std::string("::") + level + ' ';
+    if (!file.empty())
     {
-        line += "file=" + escapedProperty(inWorkspace(failure.file)) +
-                ",line=" + std::to_string(failure.line) + ",";
+        command +=
+            "file=" + escapedProperty(inWorkspace(file)) + ",line=" + std::to_string(line) + ",";
     }
-    line += "title=" + escapedProperty(test.id) +
-            "::" + escapedMessage(formatFailure(withoutPlace)) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    command += "title=" + escapedProperty(title) + "::" + escapedMessage(text) + "\n";
+    std::fwrite(command.data(), 1, command.size(), stdout);
     std::fflush(stdout);
 }
 

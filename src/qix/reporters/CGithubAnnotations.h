@@ -7,8 +7,8 @@
 namespace qix
 {
 
-/// Prints a line for each failure, which GitHub shows beside the source; the first ten, since it
-/// takes no more.
+/// Prints a line for each failure and each flaky test, which GitHub shows beside the source; the
+/// first ten of both, since it takes no more.
 class CGithubAnnotations : public CReport
 {
 public:
@@ -17,11 +17,15 @@ public:
 
 private:
     void endTest(Test const& test, TestOutcome const& outcome) override;
-    void print(Test const& test, CheckFailure const& failure);
+    void printFailure(Test const& test, CheckFailure const& failure);
+    void printFlaky(Test const& test, std::string const& firstFailure);
+    void print(char const* level, std::string const& file, int line, std::string const& title,
+               std::string const& text) const;
     std::string inWorkspace(std::string const& file) const;
 
     std::string m_workspace;
-    int m_printed = 0;
+    int m_errors = 0;
+    int m_warnings = 0;
 };
 
 } // namespace qix

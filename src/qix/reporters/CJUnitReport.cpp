@@ -66,11 +66,21 @@ std::string skipped(char const* type, std::string const& reason)
 
 std::string failed(TestOutcome const& outcome, std::string const& text)
 {
-    std::string xml = "><failure type=\"failed\"";
+    std::string xml = "<failure type=\"failed\"";
     appendAttribute(xml, "message", firstLine(outcome.message));
     xml += '>';
     appendXmlText(xml, text);
     return xml + "</failure>";
+}
+
+std::string flaky(std::string const& firstFailure)
+{
+    return "<flakyFailure type=\"flaky\"" + attribute("message", firstLine(firstFailure)) + "/>";
+}
+
+std::string property(char const* name, std::string const& value)
+{
+    return "<property" + attribute("name", name) + attribute("value", value) + "/>";
 }
 
 /// Where the part of an id behind so many names begins.
@@ -190,30 +200,56 @@ void CJUnitReport::endTest(Test const& test, TestOutcome const& outcome)
         m_record.clear();
         appendCase(m_record, test);
         appendAttribute(m_record, "time", formatSeconds(outcome.elapsed));
-        m_record += verdict(test, outcome);
+        TestProcess const process = context().process();
+        std::string const content = properties(process) + verdict(test, outcome, process);
+        m_record += content.empty() ? "/>\n" : '>' + content + "</testcase>\n";
         m_isComplete = m_xml.add(m_record) && m_isComplete;
     }
     m_xml.hide(unfinished);
 }
 
-std::string CJUnitReport::verdict(Test const& test, TestOutcome const& outcome)
+/// Some readers do not take any.
+std::string CJUnitReport::properties(TestProcess const& process) const
 {
-    constexpr char const end[] = "</testcase>\n";
+    std::string xml;
+    if (m_schema != JUnitSchema::Plain)
+    {
+        return xml;
+    }
+    if (process.worker != 0)
+    {
+        xml += property("worker", std::to_string(process.worker));
+    }
+    if (process.usage)
+    {
+        xml += property("peakMemory", std::to_string(process.usage->peakMemory)) +
+               property("processorSeconds", formatSeconds(process.usage->processorTime));
+    }
+    if (process.firstFailure)
+    {
+        xml += property("flaky", "true");
+    }
+    return xml.empty() ? xml : "<properties>" + xml + "</properties>";
+}
+
+std::string CJUnitReport::verdict(Test const& test, TestOutcome const& outcome,
+                                  TestProcess const& process)
+{
     switch (outcome.kind)
     {
     case TestOutcome::Ok:
-        return "/>\n";
+        return process.firstFailure ? flaky(*process.firstFailure) : std::string();
     case TestOutcome::Failed:
         ++m_counts.failures;
-        return failed(outcome, textOf(*test.info, outcome)) + end;
+        return failed(outcome, textOf(*test.info, outcome));
     case TestOutcome::Aborted:
         ++m_counts.skipped;
-        return ">" + skipped("aborted", toUtf8(outcome.reason)) + end;
+        return skipped("aborted", toUtf8(outcome.reason));
     case TestOutcome::Skipped:
         break;
     }
     ++m_counts.skipped;
-    return ">" + skipped("skipped", toUtf8(outcome.reason)) + end;
+    return skipped("skipped", toUtf8(outcome.reason));
 }
 
 void CJUnitReport::filterTest(Test const& test, Filter filter)

@@ -42,7 +42,8 @@ private:
     std::string unfinishedRun() const;
     std::string formatCounts() const;
     void appendCase(std::string& xml, Test const& test) const;
-    std::string verdict(Test const& test, TestOutcome const& outcome);
+    std::string properties(TestProcess const& process) const;
+    std::string verdict(Test const& test, TestOutcome const& outcome, TestProcess const& process);
 
     JUnitSchema m_schema;
     std::string m_start;

@@ -117,6 +117,7 @@ void CJsonEvents::endTest(Test const& test, TestOutcome const& outcome)
     writeFailures(outcome);
     writeText("reason", toUtf8(outcome.reason));
     writeOutput(*test.info);
+    writeProcess(context().process());
     endEvent();
 }
 
@@ -191,6 +192,28 @@ void CJsonEvents::writeFailures(TestOutcome const& outcome)
         m_writer.endObject();
     }
     m_writer.endArray();
+}
+
+void CJsonEvents::writeProcess(TestProcess const& process)
+{
+    if (process.worker != 0)
+    {
+        m_writer.key("worker");
+        m_writer.value(std::uint64_t(process.worker));
+    }
+    if (process.usage)
+    {
+        m_writer.key("peakMemory");
+        m_writer.value(process.usage->peakMemory);
+        m_writer.key("processorSeconds");
+        m_writer.seconds(inMicroseconds(process.usage->processorTime));
+    }
+    if (process.firstFailure)
+    {
+        m_writer.key("flaky");
+        m_writer.value(true);
+        writeText("firstFailure", *process.firstFailure);
+    }
 }
 
 void CJsonEvents::writeOutput(TestInfo const& test)

@@ -31,6 +31,7 @@ private:
     void writeText(char const* key, std::string_view text);
     void writeTest(Test const& test);
     void writeFailures(TestOutcome const& outcome);
+    void writeProcess(TestProcess const& process);
     void writeOutput(TestInfo const& test);
 
     CAppendedFile m_file;

@@ -2,6 +2,8 @@
 
 #include <qix/TestInfo.h>
 
+#include "model/TestProcess.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -20,6 +22,9 @@ struct ReportContext
 
     /// The id of a test that is about to begin, or that the filters refuse.
     std::function<std::string(TestInfo const&)> idOf;
+
+    /// What is known of the process that has run what ends just now.
+    std::function<TestProcess()> process = [] { return TestProcess(); };
 };
 
 } // namespace qix

@@ -3,7 +3,6 @@
 #include "supervisor/CReplay.h"
 #include "supervisor/outcomeMessages.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace qix
@@ -17,22 +16,27 @@ bool isLast(MessageKind kind) noexcept
     return kind == MessageKind::UnitEnd || kind == MessageKind::Died;
 }
 
-bool tellsFailure(CMessageReader message)
+std::optional<std::string> failureOf(TestOutcome const& outcome)
+{
+    return outcome.kind == TestOutcome::Failed ? std::optional(outcome.message) : std::nullopt;
+}
+
+std::optional<std::string> failureIn(CMessageReader message)
 {
     switch (message.kind())
     {
     case MessageKind::Died:
-        return true;
+        return std::string(message.text());
     case MessageKind::End:
         readMoment(message);
         message.number();
-        return readOutcome(message).kind == TestOutcome::Failed;
+        return failureOf(readOutcome(message));
     case MessageKind::ItemEnd:
         readMoment(message);
         readMoment(message);
-        return readOutcome(message).kind == TestOutcome::Failed;
+        return failureOf(readOutcome(message));
     default:
-        return false;
+        return std::nullopt;
     }
 }
 
@@ -49,11 +53,16 @@ CRecordedUnit::CRecordedUnit(IMessageSource& source, PrintedText& printed)
     }
 }
 
-bool CRecordedUnit::hasFailed() const
+std::optional<std::string> CRecordedUnit::firstFailure() const
 {
-    return std::any_of(m_entries.begin(), m_entries.end(),
-                       [](Entry const& entry)
-                       { return tellsFailure(CMessageReader(entry.message)); });
+    for (Entry const& entry : m_entries)
+    {
+        if (auto failure = failureIn(CMessageReader(entry.message)))
+        {
+            return failure;
+        }
+    }
+    return std::nullopt;
 }
 
 CMessageReader CRecordedUnit::next()

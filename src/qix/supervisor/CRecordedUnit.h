@@ -4,6 +4,7 @@
 #include "supervisor/PrintedText.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,8 @@ public:
     /// \param printed  what is printed before each message
     CRecordedUnit(IMessageSource& source, PrintedText& printed);
 
-    /// True when the unit, or something in it, has failed.
-    bool hasFailed() const;
+    /// What is told of the first failure of the unit, or of something in it, if there is any.
+    std::optional<std::string> firstFailure() const;
 
     CMessageReader next() override;
 

@@ -8,6 +8,7 @@
 #include "runner/filters.h"
 #include "supervisor/CReplay.h"
 #include "supervisor/outcomeMessages.h"
+#include "supervisor/posix/processUsage.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
 
@@ -67,9 +68,10 @@ void flushOutput()
 
 } // namespace
 
-void CRecordingRunner::recordFor(CPlannedRunner const& other)
+void CRecordingRunner::recordFor(CPlannedRunner const& other, bool isMeasured)
 {
     m_other = &other;
+    m_isMeasured = isMeasured;
     planAs(other);
 }
 
@@ -84,11 +86,11 @@ void CRecordingRunner::runUnit(Unit const& unit, IMessageSink& sink)
     {
         openAs(unit.node);
     }
-    runOpen(*unit.item);
+    runOpen(*unit.item, m_isMeasured);
 }
 
 /// Runs the item that is open, and closes it.
-void CRecordingRunner::runOpen(ITestItem& item)
+void CRecordingRunner::runOpen(ITestItem& item, bool isMeasured)
 {
     std::size_t const itsDepth = depth();
     Moment const begin = momentNow();
@@ -103,6 +105,10 @@ void CRecordingRunner::runOpen(ITestItem& item)
     for (zel::String const& line : lines)
     {
         message.add(line);
+    }
+    if (isMeasured)
+    {
+        addUsage(message, usageOfThisProcess());
     }
     flushOutput();
     m_sink->send(message.bytes());
@@ -192,7 +198,7 @@ void CRecordingRunner::runItem(Child const& child)
     if (CPlannedRunner::beginSubTest(item->name, item->duration, item->isInteractive,
                                      item->containsAnyInteractive))
     {
-        runOpen(*child.item);
+        runOpen(*child.item, false);
     }
 }
 

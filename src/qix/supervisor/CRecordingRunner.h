@@ -19,7 +19,8 @@ public:
     using CPlannedRunner::CPlannedRunner;
 
     /// Decides from now on as the other one does, which outlives this one.
-    void recordFor(CPlannedRunner const& other);
+    /// \param isMeasured  each unit tells what its process has used
+    void recordFor(CPlannedRunner const& other, bool isMeasured);
 
     void runUnit(Unit const& unit, IMessageSink& sink) override;
 
@@ -36,7 +37,7 @@ private:
     bool beginFiltered(std::string const& name, ITestItem::Duration duration, bool isInteractive,
                        bool containsAnyInteractive) override;
 
-    void runOpen(ITestItem& item);
+    void runOpen(ITestItem& item, bool isMeasured);
     TestOutcome outcomeOf(ITestItem& item);
     void tellEnd(TestOutcome::Kind kind, std::exception const* exception, bool isPrinted);
     void closeInnermost(TestOutcome::Kind kind);
@@ -44,6 +45,7 @@ private:
 
     CPlannedRunner const* m_other = nullptr;
     IMessageSink* m_sink = nullptr;
+    bool m_isMeasured = false; ///< each unit
 };
 
 } // namespace qix

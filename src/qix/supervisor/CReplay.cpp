@@ -189,7 +189,7 @@ void CReplay::runItem(ITestRunner& runner, std::vector<zel::String>& lines)
         case MessageKind::ItemEnd:
             return endItem(message, depth, lines);
         case MessageKind::Died:
-            return throwOutcome(failure(message.text()));
+            return endDied(message);
         default:
             throwUnexpected(message.kind());
         }
@@ -272,6 +272,21 @@ void CReplay::handOver(CMessageReader message)
     }
 }
 
+void CReplay::endDied(CMessageReader message)
+{
+    TestOutcome const outcome = failure(message.text());
+    noteUsage(message);
+    throwOutcome(outcome);
+}
+
+void CReplay::noteUsage(CMessageReader& message)
+{
+    if (std::optional<ProcessUsage> const usage = readUsage(message))
+    {
+        m_target.noteUsage(*usage);
+    }
+}
+
 void CReplay::endItem(CMessageReader message, std::size_t depth, std::vector<zel::String>& lines)
 {
     m_target.setBegin(depth, readMoment(message));
@@ -281,6 +296,7 @@ void CReplay::endItem(CMessageReader message, std::size_t depth, std::vector<zel
     {
         lines.push_back(message.string());
     }
+    noteUsage(message);
     throwOutcome(outcome);
 }
 

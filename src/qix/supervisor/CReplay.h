@@ -32,6 +32,8 @@ private:
     void begin(ITestRunner& runner, CMessageReader message);
     void end(ITestRunner& runner, CMessageReader message);
     void handOver(CMessageReader message);
+    void endDied(CMessageReader message);
+    void noteUsage(CMessageReader& message);
     void endItem(CMessageReader message, std::size_t depth, std::vector<zel::String>& lines);
 
     IMessageSource& m_source;

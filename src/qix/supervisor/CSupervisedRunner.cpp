@@ -90,8 +90,14 @@ private:
         }
         m_crew = isPlanned ? m_runner.m_crew.get() : &makeCrew();
         bool const isRetried = m_runner.m_options.retries > 0 && !m_child.item->isInteractive();
-        return isRetried ? openWithRetries(isPlanned ? unit : 0)
-                         : m_crew->open(isPlanned ? unit : 0);
+        return isRetried ? openWithRetries(isPlanned ? unit : 0) : openOnce(isPlanned ? unit : 0);
+    }
+
+    IMessageSource& openOnce(std::size_t unit)
+    {
+        IMessageSource& source = m_crew->open(unit);
+        m_runner.m_process.worker = m_crew->slotOfOpen();
+        return source;
     }
 
     /// A crew that runs nothing but this.
@@ -108,31 +114,37 @@ private:
     /// What counts is the first try, unless a later one passes.
     IMessageSource& openWithRetries(std::size_t unit)
     {
-        m_recorded = record(*std::exchange(m_crew, nullptr), unit);
+        TestProcess& process = m_runner.m_process;
+        m_recorded = record(*std::exchange(m_crew, nullptr), unit, process.worker);
+        std::optional<std::string> const failure = m_recorded->firstFailure();
         bool isFlaky = false;
-        for (std::uint64_t left = m_runner.m_options.retries;
-             left > 0 && m_recorded->hasFailed() && !isFlaky; --left)
+        for (std::uint64_t left = m_runner.m_options.retries; left > 0 && failure && !isFlaky;
+             --left)
         {
-            auto again = record(makeCrew(), 0);
-            isFlaky = !again->hasFailed();
+            unsigned worker = 0;
+            auto again = record(makeCrew(), 0, worker);
+            isFlaky = !again->firstFailure();
             if (isFlaky && !m_runner.m_options.failsByFlaky)
             {
                 m_recorded = std::move(again);
+                process.worker = worker;
             }
         }
         if (isFlaky)
         {
             m_runner.noteFlaky(m_child.node);
+            process.firstFailure = failure;
         }
         return *m_recorded;
     }
 
-    std::unique_ptr<CRecordedUnit> record(CCrew& crew, std::size_t unit)
+    std::unique_ptr<CRecordedUnit> record(CCrew& crew, std::size_t unit, unsigned& worker)
     {
         PrintedText printed;
         crew.printTo(&printed);
         auto recorded = std::make_unique<CRecordedUnit>(crew.open(unit), printed);
         crew.printTo(nullptr);
+        worker = crew.slotOfOpen();
         closeCrew(crew);
         return recorded;
     }
@@ -169,7 +181,7 @@ unsigned CSupervisedRunner::processes() const
 bool CSupervisedRunner::runPlan()
 {
     CInterrupts const interrupts;
-    m_recorder->recordFor(*this);
+    m_recorder->recordFor(*this, m_options.isolate);
     listUnits();
     CrewOptions options;
     options.processes = processes();
@@ -280,6 +292,8 @@ void CSupervisedRunner::runItem(Child const& child)
 
 void CSupervisedRunner::runUnit(Child const& child)
 {
+    m_process = TestProcess();
+    m_unitDepth = CPlannedRunner::depth();
     CUnitSource source(*this, child);
     CReplay replay(source, *this);
     zel::P<ITestItem> const standIn = replay.standInFor(*child.item);
@@ -288,6 +302,19 @@ void CSupervisedRunner::runUnit(Child const& child)
         CPlannedRunner::runItem({child.node, standIn.get()});
     }
     source.close();
+    m_process = TestProcess();
+}
+
+/// Of what is inside a unit nothing but the worker is known.
+TestProcess CSupervisedRunner::testProcess() const
+{
+    if (CPlannedRunner::depth() == m_unitDepth)
+    {
+        return m_process;
+    }
+    TestProcess inside;
+    inside.worker = m_process.worker;
+    return inside;
 }
 
 void CSupervisedRunner::runHanded(std::uint32_t node, ITestItem* item)

@@ -33,6 +33,8 @@ public:
     std::string reasonForStop() const override;
     std::vector<std::string> listFlaky() const override { return m_flaky; }
 
+    TestProcess testProcess() const override;
+
     /// True when a process has ended badly behind all of its tests.
     bool hasTrouble() const noexcept override { return m_hasEndedBadly; }
 
@@ -43,6 +45,8 @@ private:
     std::size_t depth() const override { return CPlannedRunner::depth(); }
     void setBegin(std::size_t depth, Moment const& begin) override;
     void setNow(std::size_t depth, Moment const& now) override;
+
+    void noteUsage(ProcessUsage const& usage) override { m_process.usage = usage; }
 
     void setTimes(std::size_t depth, std::time_t seconds, Clock::time_point begin);
     bool isAtDepth(std::size_t depth) const;
@@ -64,6 +68,8 @@ private:
     std::unique_ptr<CCrew> m_crew;
     std::size_t m_nextUnit = 0; ///< those before it are gone
     std::vector<std::string> m_flaky;
+    TestProcess m_process;       ///< of the unit that is played back
+    std::size_t m_unitDepth = 0; ///< around that unit
     bool m_isReplaying = false;
     bool m_hasEndedBadly = false;
 };

@@ -2,6 +2,8 @@
 
 #include <qix/ITestItem.h>
 
+#include "model/TestProcess.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -30,6 +32,9 @@ public:
 
     /// What runs at the depth, from 1 on, began then.
     virtual void setBegin(std::size_t depth, Moment const& begin) = 0;
+
+    /// The process of the unit has used this.
+    virtual void noteUsage(ProcessUsage const& usage) = 0;
 
     /// It is this moment for all that runs at the depth and deeper.
     virtual void setNow(std::size_t depth, Moment const& now) = 0;

@@ -67,6 +67,8 @@ public:
 
     MessageKind kind() const noexcept { return static_cast<MessageKind>(m_bytes[0]); }
 
+    bool isAtEnd() const noexcept { return m_rest.empty(); }
+
     /// All of it.
     std::string_view bytes() const noexcept { return m_bytes; }
 

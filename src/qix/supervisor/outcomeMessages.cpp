@@ -73,6 +73,23 @@ TestOutcome readOutcome(CMessageReader& message)
     return outcome;
 }
 
+void addUsage(CMessageWriter& message, ProcessUsage const& usage)
+{
+    message.add(usage.peakMemory).add(static_cast<std::uint64_t>(usage.processorTime.count()));
+}
+
+std::optional<ProcessUsage> readUsage(CMessageReader& message)
+{
+    if (message.isAtEnd())
+    {
+        return std::nullopt;
+    }
+    ProcessUsage usage;
+    usage.peakMemory = message.number();
+    usage.processorTime = std::chrono::nanoseconds(static_cast<std::int64_t>(message.number()));
+    return usage;
+}
+
 void throwOutcome(TestOutcome const& outcome)
 {
     switch (outcome.kind)

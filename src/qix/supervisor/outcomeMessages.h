@@ -2,10 +2,12 @@
 
 #include <qix/TestOutcome.h>
 
+#include "model/TestProcess.h"
 #include "supervisor/Message.h"
 
 #include <exception>
 #include <functional>
+#include <optional>
 
 namespace qix
 {
@@ -14,6 +16,12 @@ namespace qix
 void addOutcome(CMessageWriter& message, TestOutcome const& outcome);
 
 TestOutcome readOutcome(CMessageReader& message);
+
+/// @{
+/// At the end of a message, where there may be nothing.
+void addUsage(CMessageWriter& message, ProcessUsage const& usage);
+std::optional<ProcessUsage> readUsage(CMessageReader& message);
+/// @}
 
 /// Throws what makes a runner report this outcome, unless it is Ok.
 void throwOutcome(TestOutcome const& outcome);

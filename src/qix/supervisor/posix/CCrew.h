@@ -40,6 +40,9 @@ public:
     /// interrupted. Those before it are skipped. Must be called with growing indices.
     IMessageSource& open(std::size_t unit);
 
+    /// The number of the slot in which the unit runs that is open.
+    unsigned slotOfOpen() const noexcept { return m_open->slot->number(); }
+
     /// What has been printed goes there from now on; null for the standard streams.
     void printTo(PrintedText* text) noexcept { m_printed = text; }
 

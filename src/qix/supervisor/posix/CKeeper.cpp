@@ -1,9 +1,11 @@
 #include "supervisor/posix/CKeeper.h"
 
 #include "guards/posix/CCrashGuard.h"
+#include "supervisor/outcomeMessages.h"
 #include "supervisor/posix/CWorker.h"
 #include "supervisor/posix/endOfProcess.h"
 #include "supervisor/posix/processTree.h"
+#include "supervisor/posix/processUsage.h"
 #include "supervisor/posix/stackText.h"
 
 #include <csignal>
@@ -226,12 +228,14 @@ bool CKeeper::isOrphaned() const noexcept
 void CKeeper::reap()
 {
     int status = 0;
-    for (pid_t ended = waitpid(-1, &status, WNOHANG); ended > 0;
-         ended = waitpid(-1, &status, WNOHANG))
+    rusage usage = {};
+    for (pid_t ended = wait4(-1, &status, WNOHANG, &usage); ended > 0;
+         ended = wait4(-1, &status, WNOHANG, &usage))
     {
         if (ended == m_worker)
         {
             m_status = status;
+            m_usage = usage;
             m_worker = 0;
         }
     }
@@ -272,7 +276,7 @@ void CKeeper::awaitEnd(Clock::time_point deadline)
     if (m_worker != 0)
     {
         kill(m_worker, SIGKILL);
-        waitpid(std::exchange(m_worker, 0), &m_status, 0);
+        wait4(std::exchange(m_worker, 0), &m_status, 0, &m_usage);
     }
 }
 
@@ -329,7 +333,13 @@ void CKeeper::tellDeath()
     CPrintedTeller(m_work).tell();
     std::string const text = m_reason.empty() ? describeEnding(m_status, state.crash)
                                               : m_reason + describeStack(state.crash);
-    ring.send(CMessageWriter(MessageKind::Died).add(std::string_view(text)).bytes());
+    CMessageWriter message(MessageKind::Died);
+    message.add(std::string_view(text));
+    if (m_work.options.isIsolated)
+    {
+        addUsage(message, usageOf(m_usage));
+    }
+    ring.send(message.bytes());
     state.isUnitLeft = 0;
 }
 

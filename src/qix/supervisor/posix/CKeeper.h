@@ -6,6 +6,7 @@
 #include <csignal>
 #include <string>
 
+#include <sys/resource.h>
 #include <sys/types.h>
 
 namespace qix
@@ -48,6 +49,7 @@ private:
     sigset_t m_signalsOfTests{}; ///< those that are blocked while tests run
     pid_t m_worker = 0;
     int m_status = 0;
+    rusage m_usage{};       ///< of the last worker
     bool m_isAsked = false; ///< to end
     std::string m_reason;   ///< why the process was ended by this one
 };
