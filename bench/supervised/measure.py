@@ -46,7 +46,8 @@ def in_shards(bench, _tests, _folder):
     return ["sh", "-c", script, "sh", str(bench.programs / "supervised_gtest")]
 
 
-SEQUENTIAL = Contestant("qix", program("qix", "*"))
+PLAIN = Contestant("qix `'*'`: without ids and what earlier runs have left", program("qix", "*"))
+SEQUENTIAL = Contestant("qix", program("qix", "--color=never"))
 JOBS_1 = Contestant("qix `--jobs=1`", program("qix", "--jobs=1"))
 JOBS_2 = Contestant("qix `--jobs=2`", program("qix", "--jobs=2"))
 ISOLATE = Contestant("qix `--isolate`", program("qix", "--isolate"))
@@ -157,11 +158,11 @@ def main(arguments):
 
     busy = 20 if bench.quick else 400
     text += f"## {busy} tests that use 5 ms of the processor each\n\n"
-    text += table(bench.compare([SEQUENTIAL, JOBS_1, JOBS_2, ISOLATE, ISOLATE_2, GTEST, SHARDS,
-                                 CTEST], busy, 5000, repeats), busy, SEQUENTIAL)
+    text += table(bench.compare([SEQUENTIAL, PLAIN, JOBS_1, JOBS_2, ISOLATE, ISOLATE_2, GTEST,
+                                 SHARDS, CTEST], busy, 5000, repeats), busy, SEQUENTIAL)
 
     text += f"## {many:,} tests that do nothing\n\n"
-    text += table(bench.compare([SEQUENTIAL, JOBS_1, JOBS_2, GTEST, SHARDS], many, 0, repeats),
+    text += table(bench.compare([SEQUENTIAL, PLAIN, JOBS_1, JOBS_2, GTEST, SHARDS], many, 0, repeats),
                   many, SEQUENTIAL)
 
     text += f"## A process for each of {few:,} tests that do nothing\n\n"
