@@ -1,6 +1,7 @@
 """What the tests of this folder have in common: runs, and the processes that they leave."""
 
 import os
+import signal
 from pathlib import Path
 
 
@@ -21,3 +22,24 @@ def left_processes(folder):
         if is_left:
             left.append(process.name)
     return left
+
+
+def kill_left_processes(folder):
+    """Ends what a run in the folder has left; those that have ended meanwhile are no mistake."""
+    while left := left_processes(folder):
+        for process in left:
+            try:
+                os.kill(int(process), signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+
+
+def wait_for(process, text):
+    """Reads what the run prints up to this text."""
+    seen = b""
+    while not seen.endswith(text):
+        byte = process.stdout.read(1)
+        if not byte:
+            raise AssertionError(f"the run has ended behind {seen!r}")
+        seen += byte
+    return seen

@@ -14,21 +14,10 @@ import tempfile
 import time
 import unittest
 
-from runs import environment_in, left_processes
+from runs import environment_in, left_processes, wait_for
 
 BINARY = None
 LONGEST = 60  # seconds; a loaded machine takes its time
-
-
-def wait_for(process, text):
-    """Reads what the run prints up to this text."""
-    seen = b""
-    while not seen.endswith(text):
-        byte = process.stdout.read(1)
-        if not byte:
-            raise AssertionError(f"the run has ended behind {seen!r}")
-        seen += byte
-    return seen
 
 
 class SignalTest(unittest.TestCase):

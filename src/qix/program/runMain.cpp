@@ -7,6 +7,7 @@
 #include "options/bazelProtocol.h"
 #include "program/posix/CFileSizeLimit.h"
 #include "program/posix/CPrematureExitFile.h"
+#include "program/posix/CWorkFolderLock.h"
 #include "program/posix/standardDescriptors.h"
 #include "program/posix/standardInput.h"
 #include "program/runWithOptions.h"
@@ -75,6 +76,10 @@ int runSelection(Arguments& arguments, std::string const& program)
                                      : runWithoutOptions(arguments, program);
     }
     catch (CLogRefusedError const& e)
+    {
+        printError("", messageOf(e));
+    }
+    catch (CWorkFolderInUseError const& e)
     {
         printError("", messageOf(e));
     }

@@ -9,6 +9,7 @@
 #include "program/CReportSet.h"
 #include "program/colors.h"
 #include "program/posix/CDivertedOutput.h"
+#include "program/posix/CWorkFolderLock.h"
 #include "runner/consoleColors.h"
 #include "runner/posix/logFile.h"
 #include "runner/posix/workDirectory.h"
@@ -103,6 +104,7 @@ ReportContext makeContext(std::string const& program, RunOptions const& options,
 int run(std::string const& program, CTestSelection const& selection, RunOptions const& options,
         CPlannedRunner& runner, std::string const& historyFile, RunHistory const& history)
 {
+    CWorkFolderLock const lock;
     setWarningsFile(options.warningsFile);
     divertLogs(options.logFolder);
     CReportSet reports(options, makeContext(program, options, selection, runner));
@@ -171,7 +173,9 @@ int runWithoutOptions(Arguments const& arguments, std::string const& program)
         return runInWorkDirectory(arguments, name, historyFile, nothingDiverted);
     }
     std::vector<char const*> lines = arguments.lines;
-    bool const passed = selectAndRun(static_cast<int>(lines.size()), lines.data());
+    std::optional<CWorkFolderLock> lock;
+    bool const passed =
+        selectAndRun(static_cast<int>(lines.size()), lines.data(), [&lock] { lock.emplace(); });
     return passed ? exitAllPassed : exitNotAllPassed;
 }
 

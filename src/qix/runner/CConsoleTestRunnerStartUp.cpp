@@ -37,7 +37,7 @@ std::string toSelectionLine(char const* argument)
     return argument;
 }
 
-bool selectAndRun(int argc, char const** argv)
+bool selectAndRun(int argc, char const** argv, std::function<void()> const& prepare)
 {
     zel::P<CTestItemGroup> const root = CTestItemGroup::global();
     CConsoleTestRunner runner(root.get());
@@ -49,12 +49,13 @@ bool selectAndRun(int argc, char const** argv)
     {
         return false;
     }
+    prepare();
     return runner.go();
 }
 
 bool CConsoleTestRunner::doMain(int argc, char const** argv)
 {
-    return enterWorkDirectory() && selectAndRun(argc, argv);
+    return enterWorkDirectory() && selectAndRun(argc, argv, [] {});
 }
 
 } // namespace qix
