@@ -30,6 +30,9 @@ class Contestant:
 
 QIX = Contestant("qix", "qix", ["*"])
 QIX_ITEMS = Contestant("qix, items of one's own", "qixItems", ["*"])
+MADE = Contestant("made, neither listed nor run", "made")
+LISTS = [Contestant(f"`{option}`", "qix", [option])
+         for option in ("--list-tests", "--list-tests=json")]
 BARE = Contestant("bare loop of the same writes", "bare")
 EMPTY = Contestant("empty program with qix's libraries", "empty", progress=False)
 RIVALS = [
@@ -216,6 +219,19 @@ def measure_start(bench):
                    "ratio to empty"], rows))
 
 
+def measure_lists(bench):
+    tests = 10_000 if bench.quick else 100_000
+    samples = bench.compare([MADE, *LISTS], tests, 3 if bench.quick else 15)
+    base = samples[MADE]
+    rows = [[contestant.name, spread(sample.walls, 1e9 / tests), ratio(sample.wall, base.wall),
+             f"{sample.processor * 1e9 / tests:.0f}", ratio(sample.processor, base.processor),
+             f"{sample.memory / 2**20:.1f}"] for contestant, sample in samples.items()]
+    write("lists.md", "Listing tests",
+          f"{tests:,} tests, the whole process. The first row registers and makes them only.\n\n"
+          + table(["Tests are", "ns for each test (lowest to highest)", "ratio to making",
+                   "processor ns", "ratio to making", "peak MiB"], rows))
+
+
 def measure_calls(bench):
     tests = 1000 if bench.quick else 100_000
     with tempfile.TemporaryDirectory() as folder:
@@ -268,6 +284,7 @@ def main(arguments):
     bench = Bench(arguments[0], "--quick" in arguments)
     measure_runs(bench)
     measure_start(bench)
+    measure_lists(bench)
     if shutil.which("strace"):
         measure_calls(bench)
     measure_checks(bench)

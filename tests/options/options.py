@@ -73,6 +73,7 @@ class RoundTrip(OptionTest):
         noted["macros.inner.table"] = ["table", "row one", "row two", "row two", "row r w"]
         noted["macros.inner.plain"] = ["plain"]
         noted["macros.lasting"] = ["lasting"]
+        noted["macros.tagged"] = ["tagged"]
         noted["macros.asking"] = ["asking"]
         self.assertEqual(sorted(noted), sorted(ids))
         self.assertGreater(len(by_hand), 255 + 10)
@@ -101,6 +102,20 @@ class RoundTrip(OptionTest):
         every_byte = bytes(range(1, 256))
         self.assertIn([every_byte, every_byte],
                       [[decoded_name(name) for name in test["names"]] for test in tests])
+
+    def test_each_test_has_its_own_attributes(self):
+        tests = {test["id"]: test for test in self.list_json("*", "+", "i")["tests"]}
+        source = (Path(__file__).parent / "suite.cpp").read_text().splitlines()
+        for name, duration, interactive, tags in [
+                ("inner, plain", "short", False, []), ("lasting", "long", False, []),
+                ("tagged", "short", False, ["net", 'in "quotes"']), ("asking", "short", True, [])]:
+            test = tests["macros." + name.replace(", ", ".")]
+            self.assertEqual([test["duration"], test["interactive"], test["tags"]],
+                             [duration, interactive, tags], name)
+            self.assertTrue(test["file"].endswith("suite.cpp"), test["file"])
+            self.assertIn(name, source[test["line"] - 1])
+        self.assertEqual(tests["twice"], {"id": "twice", "names": ["twice"], "duration": "short",
+                                          "interactive": False, "tags": []})
 
     def test_digest_tells_of_all_shards(self):
         whole = self.list_json()

@@ -183,6 +183,11 @@ QIX_TEST(macros, lasting, Long)
     work("lasting");
 }
 
+QIX_TEST(macros, tagged, Tags("net", "in \"quotes\""))
+{
+    work("tagged");
+}
+
 QIX_TEST(macros, asking, Interactive)
 {
     work("asking");

@@ -56,7 +56,7 @@ void CPlannedRun::record(std::string const& file, RunHistory const& history)
         if (m_selection.isRemembered(node))
         {
             indices[node] = static_cast<NodeIndex>(tests.size());
-            tests.push_back({tree.idOf(node), m_selection.remembered()[node]});
+            tests.push_back({tree.idOf(node), m_selection.remembered(node)});
         }
     }
     m_recorder.emplace(file, number, tests);
@@ -131,7 +131,7 @@ void CPlannedRun::applyOrder(std::uint64_t repetition)
         std::vector<std::uint64_t> weights(tree.size());
         for (NodeIndex node = 0; node < tree.size(); ++node)
         {
-            weights[node] = m_selection.remembered()[node].hasFailed() ? 1 : 0;
+            weights[node] = m_selection.remembered(node).hasFailed() ? 1 : 0;
         }
         m_runner.setOrder(orderByWeight(tree, std::move(weights)));
         break;

@@ -82,7 +82,10 @@ std::optional<int> CTestSelection::select(std::vector<char const*> const& lines)
     {
         m_plan->keep(m_kept);
     }
-    m_plan->drop(m_dropped);
+    if (!m_options.skip.empty())
+    {
+        m_plan->drop(m_dropped);
+    }
     refuse();
     std::vector<NodeIndex> const tests = m_plan->listTests();
     m_digest = digestOf(m_tree, tests);
@@ -145,13 +148,18 @@ bool CTestSelection::isRemembered(NodeIndex node) const
     return m_tree.isLeaf(node) || !isLibraryGroup(*m_tree[node].item);
 }
 
+RememberedTest CTestSelection::remembered(NodeIndex node) const
+{
+    return m_remembered.empty() ? RememberedTest() : m_remembered[node];
+}
+
 void CTestSelection::remember()
 {
-    m_remembered.resize(m_tree.size());
     if (m_history.tests.empty())
     {
         return;
     }
+    m_remembered.resize(m_tree.size());
     std::string id;
     for (NodeIndex node = 0; node < m_tree.size(); ++node)
     {
@@ -236,7 +244,7 @@ bool CTestSelection::hasFailedInLastRun(NodeIndex node) const
 {
     for (; node != noNode; node = m_tree[node].parent)
     {
-        RememberedTest const& test = m_remembered[node];
+        RememberedTest const test = remembered(node);
         if (test.hasFailed() && test.run == m_history.lastRun)
         {
             return true;

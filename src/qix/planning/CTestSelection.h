@@ -34,8 +34,8 @@ public:
     /// A digest of the tests of all shards.
     std::string const& digest() const noexcept { return m_digest; }
 
-    /// What is remembered of each node of the tree by earlier runs in the working folder.
-    std::vector<RememberedTest> const& remembered() const noexcept { return m_remembered; }
+    /// What is remembered of a node of the tree by earlier runs in the working folder.
+    RememberedTest remembered(NodeIndex node) const;
 
     /// True when something is remembered of the node: it is a test, or may fail by itself.
     bool isRemembered(NodeIndex node) const;
@@ -61,7 +61,7 @@ private:
     PatternHits m_kept;
     PatternHits m_dropped;
     std::string m_digest;
-    std::vector<RememberedTest> m_remembered;
+    std::vector<RememberedTest> m_remembered; ///< empty when nothing is
 };
 
 } // namespace qix

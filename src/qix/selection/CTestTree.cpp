@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace qix
 {
@@ -43,6 +44,7 @@ private:
     {
         std::size_t begin;
         std::size_t size;
+        CTextHash idHash;
     };
 
     /// A parent, some of whose children have been added.
@@ -59,11 +61,12 @@ private:
         Level level{parent, std::move(items), {}, 0};
         level.components.reserve(level.items.size());
         m_tree.m_nodes.reserve(roomFor(level.items.size()));
+        CTextHash const pathHash = hashOfPathTo(parent);
         for (zel::P<ITestItem> const& item : level.items)
         {
-            level.components.push_back(addComponent(item.get()));
+            level.components.push_back(addComponent(item.get(), pathHash));
         }
-        numberSiblings(level.components);
+        numberSiblings(level.components, pathHash);
         m_levels.push_back(std::move(level));
     }
 
@@ -75,12 +78,32 @@ private:
         return needed > capacity ? std::max(needed, 2 * capacity) : capacity;
     }
 
-    Component addComponent(ITestItem const* item)
+    /// Of what stands in front of the components of the children.
+    CTextHash hashOfPathTo(NodeIndex parent) const
+    {
+        CTextHash hash;
+        if (parent != noNode)
+        {
+            hash = m_tree.m_nodes[parent].idHash;
+            hash.add(".");
+        }
+        return hash;
+    }
+
+    Component addComponent(ITestItem const* item, CTextHash const& pathHash)
     {
         std::string& text = m_tree.m_components;
         std::size_t const begin = text.size();
         appendIdComponent(text, itemName(item));
-        return {begin, text.size() - begin};
+        return makeComponent(begin, pathHash);
+    }
+
+    /// The component that ends the text of all.
+    Component makeComponent(std::size_t begin, CTextHash const& pathHash) const
+    {
+        Component component{begin, m_tree.m_components.size() - begin, pathHash};
+        component.idHash.add(textOf(component));
+        return component;
     }
 
     std::string_view textOf(Component const& component) const
@@ -88,26 +111,19 @@ private:
         return std::string_view(m_tree.m_components).substr(component.begin, component.size);
     }
 
-    void numberSiblings(std::vector<Component>& components)
+    void numberSiblings(std::vector<Component>& components, CTextHash const& pathHash)
     {
         CHashSet hashes(components.size());
         bool const areDifferent = std::all_of(components.begin(), components.end(),
                                               [&](Component const& component)
-                                              { return hashes.insert(hashOf(textOf(component))); });
+                                              { return hashes.insert(component.idHash.get()); });
         if (!areDifferent)
         {
-            numberEqualOnes(components);
+            numberEqualOnes(components, pathHash);
         }
     }
 
-    static std::uint64_t hashOf(std::string_view text)
-    {
-        CTextHash hash;
-        hash.add(text);
-        return hash.get();
-    }
-
-    void numberEqualOnes(std::vector<Component>& components)
+    void numberEqualOnes(std::vector<Component>& components, CTextHash const& pathHash)
     {
         std::unordered_map<std::string, std::size_t> counts;
         for (Component& component : components)
@@ -117,45 +133,43 @@ private:
             if (number > 1)
             {
                 appendSiblingNumber(numbered, number);
-                component = {m_tree.m_components.size(), numbered.size()};
+                std::size_t const begin = m_tree.m_components.size();
                 m_tree.m_components += numbered;
+                component = makeComponent(begin, pathHash);
             }
         }
     }
 
-    void addChild(Level const& level, std::size_t child)
+    void addChild(Level& level, std::size_t child)
     {
         NodeIndex const index = m_tree.size();
-        Component const& component = level.components[child];
-        m_tree.m_nodes.push_back(makeNode(level.parent, level.items[child], component));
         ITestItem* const item = level.items[child].get();
+        m_tree.m_nodes.push_back(
+            makeNode(level.parent, std::move(level.items[child]), level.components[child]));
         if (item == nullptr)
         {
             return;
         }
-        std::vector<zel::P<ITestItem>> children;
-        item->getSubItems(children);
-        if (!children.empty())
+        item->getSubItems(m_children);
+        if (!m_children.empty())
         {
             throwIfInsideItself(index);
-            enter(index, std::move(children));
+            enter(index, std::exchange(m_children, {}));
         }
     }
 
-    TestNode makeNode(NodeIndex parent, zel::P<ITestItem> const& item, Component const& component)
+    TestNode makeNode(NodeIndex parent, zel::P<ITestItem> item, Component const& component) const
     {
-        TestNode node{item,        parent,          m_tree.size() + 1, 0,
-                      CTextHash(), component.begin, component.size,    component.size};
+        std::uint32_t depth = 0;
+        std::size_t idSize = component.size;
         if (parent != noNode)
         {
             TestNode const& above = m_tree.m_nodes[parent];
-            node.depth = above.depth + 1;
-            node.idHash = above.idHash;
-            node.idHash.add(".");
-            node.idSize += above.idSize + 1;
+            depth = above.depth + 1;
+            idSize += above.idSize + 1;
         }
-        node.idHash.add(textOf(component));
-        return node;
+        return {std::move(item),  parent,          m_tree.size() + 1, depth,
+                component.idHash, component.begin, component.size,    idSize};
     }
 
     void throwIfInsideItself(NodeIndex node)
@@ -181,6 +195,7 @@ private:
 
     CTestTree& m_tree;
     std::vector<Level> m_levels;
+    std::vector<zel::P<ITestItem>> m_children;   ///< of the item that is being asked for them
     std::unordered_set<ITestItem const*> m_path; ///< the parents of all levels
 };
 

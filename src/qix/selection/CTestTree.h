@@ -52,19 +52,22 @@ public:
     static NodeIndex firstChild(NodeIndex node) { return node == noNode ? 0 : node + 1; }
 
     std::string idOf(NodeIndex node) const;
+
+    /// The last part of the id.
+    std::string_view componentOf(NodeIndex node) const;
+
     bool hasId(NodeIndex node, std::string_view id) const;
 
     /// The names from the root's child downwards.
     std::vector<std::string> namesOf(NodeIndex node) const;
 
-    /// Makes \p id, which is that of the node in front or empty, the id of this node. Going from
-    /// node to node by this costs no more than what differs.
+    /// Makes \p id the id of this node. It is that of the node in front or of one with the same
+    /// parent, or empty for the first of all. Going from node to node by this costs no more than
+    /// what differs.
     void moveTo(NodeIndex node, std::string& id) const;
 
 private:
     class CBuilder;
-
-    std::string_view componentOf(NodeIndex node) const;
 
     std::vector<TestNode> m_nodes;
     std::string m_components;

@@ -31,6 +31,10 @@ public:
 
     PatternHits find()
     {
+        if (m_hits.patterns.empty())
+        {
+            return std::move(m_hits);
+        }
         std::string id;
         for (NodeIndex node = 0; node < m_tree.size(); ++node)
         {

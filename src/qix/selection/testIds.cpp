@@ -3,6 +3,7 @@
 #include "text/utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 namespace qix
@@ -13,10 +14,25 @@ namespace
 
 constexpr char const emptyName[] = "%";
 
+constexpr std::string_view plainCharacters =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
+
+/// One flag for each byte: all names of a suite are looked through.
+constexpr std::array<bool, 256> makePlainFlags() noexcept
+{
+    std::array<bool, 256> flags = {};
+    for (char const character : plainCharacters)
+    {
+        flags[static_cast<unsigned char>(character)] = true;
+    }
+    return flags;
+}
+
+constexpr std::array<bool, 256> plainFlags = makePlainFlags();
+
 bool isPlain(char character) noexcept
 {
-    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-           (character >= '0' && character <= '9') || character == '_' || character == '-';
+    return plainFlags[static_cast<unsigned char>(character)];
 }
 
 bool isDigit(char character) noexcept

@@ -2,7 +2,7 @@
 
 #include "text/utf8.h"
 
-#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace qix
@@ -13,11 +13,27 @@ namespace
 
 constexpr std::string_view markOfByte = "[NON-UTF-8-BYTE-0x";
 
-/// True for what stands for itself in a text; a bracket may begin a mark.
-constexpr bool isPlain(char character) noexcept
+/// For each byte whether it stands for itself in a text; a bracket may begin a mark.
+constexpr std::array<bool, 256> makePlainFlags() noexcept
 {
-    return character >= 0x20 && character < 0x7F && character != '"' && character != '\\' &&
-           character != '[';
+    std::array<bool, 256> flags = {};
+    for (unsigned byte = 0x20; byte < 0x7F; ++byte)
+    {
+        flags[byte] = byte != '"' && byte != '\\' && byte != '[';
+    }
+    return flags;
+}
+
+constexpr std::array<bool, 256> plainFlags = makePlainFlags();
+
+std::size_t countPlain(std::string_view text) noexcept
+{
+    std::size_t count = 0;
+    while (count < text.size() && plainFlags[static_cast<unsigned char>(text[count])])
+    {
+        ++count;
+    }
+    return count;
 }
 
 void appendHexadecimal(std::string& text, unsigned char byte)
@@ -74,6 +90,19 @@ std::size_t appendFirst(std::string& text, std::string_view rest)
 
 } // namespace
 
+void appendJsonText(std::string& json, std::string_view text)
+{
+    json += '"';
+    while (!text.empty())
+    {
+        std::size_t const plain = countPlain(text);
+        json += text.substr(0, plain);
+        text.remove_prefix(plain);
+        text.remove_prefix(text.empty() ? 0 : appendFirst(json, text));
+    }
+    json += '"';
+}
+
 void CJsonWriter::separate()
 {
     if (m_needsComma)
@@ -108,7 +137,7 @@ void CJsonWriter::key(std::string_view name)
 void CJsonWriter::value(std::string_view text)
 {
     separate();
-    appendQuoted(text);
+    appendJsonText(m_text, text);
 }
 
 void CJsonWriter::value(std::uint64_t number)
@@ -142,20 +171,6 @@ void CJsonWriter::moveTo(std::string& text)
     text.clear();
     text.swap(m_text);
     m_needsComma = false;
-}
-
-void CJsonWriter::appendQuoted(std::string_view text)
-{
-    m_text += '"';
-    while (!text.empty())
-    {
-        auto const special = std::find_if_not(text.begin(), text.end(), isPlain);
-        auto const plain = static_cast<std::size_t>(special - text.begin());
-        m_text += text.substr(0, plain);
-        text.remove_prefix(plain);
-        text.remove_prefix(text.empty() ? 0 : appendFirst(m_text, text));
-    }
-    m_text += '"';
 }
 
 } // namespace qix

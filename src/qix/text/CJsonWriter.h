@@ -7,6 +7,11 @@
 namespace qix
 {
 
+/// Adds the text in its quotes. A byte that is no valid UTF-8 becomes "[NON-UTF-8-BYTE-0xFF]", so
+/// that it can be seen. A text that has "[NON-UTF-8-BYTE-0x" itself gets its "[" written in the
+/// same way, so that what was meant can be told.
+void appendJsonText(std::string& json, std::string_view text);
+
 /// Writes JSON into a text, without line ends or blanks between the parts. Valid UTF-8 comes out
 /// of all bytes, in every locale.
 ///
@@ -23,9 +28,7 @@ public:
     /// The name of the value that follows: letters and digits.
     void key(std::string_view name);
 
-    /// A text. A byte that is no valid UTF-8 becomes "[NON-UTF-8-BYTE-0xFF]", so that it can be
-    /// seen. A text that has "[NON-UTF-8-BYTE-0x" itself gets its "[" written in the same way,
-    /// so that what was meant can be told.
+    /// A text, as by appendJsonText().
     void value(std::string_view text);
 
     void value(char const* text) { value(std::string_view(text)); }
@@ -49,7 +52,6 @@ private:
     void begin(char bracket);
     void end(char bracket);
     void separate();
-    void appendQuoted(std::string_view text);
 
     std::string m_text;
     bool m_needsComma = false;
