@@ -29,13 +29,14 @@ def statements(mask, inside):
 
 
 def end_of_statement(mask, start):
-    depth, end = 0, start
-    while end < len(mask) and not (mask[end] == ';' and depth == 0):
-        depth += {'(': 1, '{': 1, '[': 1, ')': -1, '}': -1, ']': -1}.get(mask[end], 0)
+    depth = 0
+    for match in re.compile(r'[;(){}[\]]').finditer(mask, start):
+        if match[0] == ';' and depth == 0:
+            return match.start()
+        depth += 1 if match[0] in '({[' else -1 if match[0] in ')}]' else 0
         if depth < 0:
             return None
-        end += 1
-    return end if end < len(mask) else None
+    return None
 
 
 def orders(text, mask, inside):
@@ -65,12 +66,11 @@ def is_type(text):
 
 def end_of_block(mask, position):
     depth = 0
-    while position < len(mask):
-        depth += {'{': 1, '}': -1}.get(mask[position], 0)
+    for match in re.compile('[{}]').finditer(mask, position):
+        depth += 1 if match[0] == '{' else -1
         if depth < 0:
-            break
-        position += 1
-    return position
+            return match.start()
+    return len(mask)
 
 
 def guards(mask, inside):
