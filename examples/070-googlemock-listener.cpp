@@ -22,7 +22,9 @@ public:
     {
         if (result.skipped())
         {
-            QIX_SKIP(result.message());
+            // Some versions of GoogleTest end it with a line end.
+            std::string const reason = result.message();
+            QIX_SKIP(reason.substr(0, reason.find_last_not_of('\n') + 1));
         }
         if (result.failed())
         {
