@@ -98,10 +98,10 @@ class Test:
                                 '--gtest_filter=' + ':'.join(names)], self.cwd, self.environment,
                     units=names)
 
-    def without(self, failed):
+    def behind(self, failed):
         """What is left to run when one of the unit tests does not count."""
-        names = [name for name in self.units if name not in failed.units]
-        return self.of(names) if names and names != self.units else None
+        left = self.units[self.units.index(failed.units[0]) + 1:] if failed.units else []
+        return self.of(left) if left and failed is not self else None
 
 
 class Units:
@@ -399,7 +399,7 @@ class Copy:
             passed = failed.name in self.broken or self.outcome_again(failed, changed)
             if passed is not True:
                 return {'result': 'timeout' if passed is None else 'killed', 'by': failed.name}
-            test = test.without(failed)
+            test = test.behind(failed)
         return None
 
     def outcome_again(self, test, changed):
