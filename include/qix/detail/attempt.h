@@ -7,8 +7,8 @@
 namespace qix::detail
 {
 
-/// One evaluation of the statement in a check of what is thrown: a loop that goes round again for
-/// the message when it failed.
+/// A loop around the statement of a check for exceptions: the first iteration evaluates the
+/// statement, and a second one the message if the check has failed.
 class CAttempt
 {
 public:
@@ -24,7 +24,7 @@ public:
         return isFirst;
     }
 
-    /// Tells that the statement has thrown nothing.
+    /// Notes that the statement has not thrown.
     void setReturned() noexcept { m_hasReturned = true; }
 
     /// Fails unless something was thrown.

@@ -22,7 +22,7 @@ class String;
 namespace qix::detail
 {
 
-/// Writes what a pointer or an array is compared by. Behind it there may be no text.
+/// Writes the address by which a pointer or an array is compared: it need not point to text.
 template <typename T>
 void describeAsAddress(CValueWriter& out, void const* object)
 {
@@ -42,20 +42,20 @@ inline void describeHidden(CValueWriter& out, void const* /*object*/)
     out.text("<hidden>");
 }
 
-/// Keeps the values of the comparison that has failed for the message of its check.
+/// Captures the operands of the comparison that has failed, for the message of its check.
 QIX_EXPORT void captureOperands(ValueRef left, char const* comparison, ValueRef right,
                                 Explain* explain);
 
-/// Keeps the value that is false for the message of its check.
+/// Captures the value that is false, for the message of its check.
 QIX_EXPORT void captureOperand(ValueRef value);
 
-/// Keeps what the exception being handled tells for the message of its check.
+/// Captures the text of the exception being handled, for the message of its check.
 QIX_EXPORT void captureException();
 
-/// Forgets what an exception that was expected has taken along.
+/// Drops the texts of QIX_INFO scopes that an expected exception has left.
 QIX_EXPORT void forgetException() noexcept;
 
-/// Keeps for the message of its check that nothing was thrown.
+/// Notes that nothing was thrown, for the message of its check.
 QIX_EXPORT void captureNothingThrown();
 
 [[noreturn]] QIX_EXPORT void skip();
@@ -94,7 +94,7 @@ template <typename T>
 constexpr bool isInteger = std::is_integral_v<T> && !std::is_same_v<std::remove_cv_t<T>, bool>;
 
 #ifdef __cpp_impl_three_way_comparison
-/// What <=> gives, which can be compared with a literal 0 only.
+/// The result of <=>, which can be compared with a literal 0 only.
 template <typename T>
 constexpr bool isOrdering =
     std::is_same_v<T, std::strong_ordering> || std::is_same_v<T, std::weak_ordering> ||
@@ -114,8 +114,8 @@ constexpr bool haveDifferentSigns =
 template <typename T>
 constexpr bool isAnyPointer = std::is_pointer_v<T> || std::is_member_pointer_v<T>;
 
-/// True for what is 0 or NULL in the source. On the left side of a comparison it has lost its
-/// meaning as a null pointer once it is an operand.
+/// True for a literal 0 or NULL. Captured as the left operand it is a number, and no null pointer
+/// constant any more.
 template <typename L, typename R>
 constexpr bool isNumberWithPointer = std::is_integral_v<L>&& isAnyPointer<R>;
 
@@ -175,7 +175,7 @@ QIX_DETAIL_COMPARISON(GreaterOrEqual, >=);
 template <typename>
 constexpr bool alwaysFalse = false;
 
-/// Whether a comparison holds, and its operands. Nothing can be done with it but ask.
+/// The outcome of a comparison and its captured operands.
 class COutcome
 {
 public:
@@ -187,7 +187,7 @@ public:
 
     explicit operator bool() const noexcept { return m_holds; }
 
-    /// Keeps the operands for the message of the check.
+    /// Captures the operands for the message of the check.
     void capture() const { captureOperands(m_left, m_comparison, m_right, m_explain); }
 
 private:
@@ -198,12 +198,12 @@ private:
     bool m_holds;
 };
 
-// Nobody gets as far as to miss that these evaluate both sides, of which -Weffc++ warns.
+// -Weffc++ warns that overloaded ones evaluate both sides. These do not compile when used.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Weffc++"
 
-// What would be computed with the outcome of a comparison is a mistake, or shows no values.
-#define QIX_DETAIL_REFUSE(op)                                                                      \
+// Computing with the outcome of a comparison is a mistake, or would capture no operands.
+#define QIX_DETAIL_FORBID(op)                                                                      \
     template <typename T>                                                                          \
     COutcome operator op(COutcome const& outcome, T const&)                                        \
     {                                                                                              \
@@ -213,19 +213,19 @@ private:
         return outcome;                                                                            \
     }
 
-QIX_DETAIL_REFUSE(&&)
-QIX_DETAIL_REFUSE(||)
-QIX_DETAIL_REFUSE(==)
-QIX_DETAIL_REFUSE(!=)
-QIX_DETAIL_REFUSE(<)
-QIX_DETAIL_REFUSE(<=)
-QIX_DETAIL_REFUSE(>)
-QIX_DETAIL_REFUSE(>=)
-QIX_DETAIL_REFUSE(&)
-QIX_DETAIL_REFUSE(|)
-QIX_DETAIL_REFUSE(^)
+QIX_DETAIL_FORBID(&&)
+QIX_DETAIL_FORBID(||)
+QIX_DETAIL_FORBID(==)
+QIX_DETAIL_FORBID(!=)
+QIX_DETAIL_FORBID(<)
+QIX_DETAIL_FORBID(<=)
+QIX_DETAIL_FORBID(>)
+QIX_DETAIL_FORBID(>=)
+QIX_DETAIL_FORBID(&)
+QIX_DETAIL_FORBID(|)
+QIX_DETAIL_FORBID(^)
 
-#undef QIX_DETAIL_REFUSE
+#undef QIX_DETAIL_FORBID
 
 /// Without it the comma operator would drop the check and keep what was meant as its message.
 template <typename T>
@@ -239,12 +239,12 @@ COutcome operator,(COutcome const& outcome, T const&)
 template <typename T>
 constexpr bool isHidden = false;
 
-/// The pointer that a comparison sees of an operand, if it sees one.
+/// The pointer type that an operand is compared as, if it is compared as a pointer.
 template <typename T>
 constexpr bool isComparedByAddress =
     std::is_pointer_v<std::decay_t<T>> || std::is_null_pointer_v<std::remove_cv_t<T>>;
 
-/// Numbers of different precision look the same in the shortest digits of each.
+/// Describes both numbers in the same precision: their shortest digits could look equal.
 template <typename T, typename Common>
 void describeAs(CValueWriter& out, void const* object)
 {
@@ -343,7 +343,7 @@ inline constexpr std::nullptr_t nullPointer = nullptr;
         return TOperand<Result>(static_cast<L&&>(m_value) op static_cast<R&&>(right));             \
     }
 
-/// The left side of a comparison, or all of an expression that is none.
+/// The left operand of a comparison, or the whole expression if it is not a comparison.
 /// \tparam T  a reference to the user's value, or the type of what was computed with it
 template <typename T>
 class TOperand
@@ -384,7 +384,7 @@ public:
         return static_cast<bool>(m_value);
     }
 
-    /// Keeps the value for the message of the check.
+    /// Captures the value for the message of the check.
     void capture()
     {
         using Value = std::remove_cv_t<std::remove_reference_t<T>>;
@@ -410,7 +410,7 @@ COutcome operator,(TOperand<T> const&, R const&)
     return {false, {nullptr, nullptr}, "", {nullptr, nullptr}, nullptr};
 }
 
-/// What an operand is kept as that is no scalar; functions become pointers.
+/// The type by which an operand that is no scalar is captured; functions become pointers.
 template <typename T>
 using Kept = std::conditional_t<std::is_function_v<std::remove_reference_t<T>>, std::decay_t<T>, T>;
 
@@ -428,7 +428,7 @@ using Kept = std::conditional_t<std::is_function_v<std::remove_reference_t<T>>, 
 
 #pragma GCC diagnostic pop
 
-/// Begins to take an expression apart: it binds to the operand in front.
+/// Captures the left operand of an expression: its operator binds to the first operand.
 class CDecomposer
 {
 public:
@@ -438,7 +438,7 @@ public:
 
 #undef QIX_DETAIL_DECOMPOSE
 
-/// Whether the checked expression holds. Keeps the operands for the message when it does not.
+/// Whether the checked expression holds. Captures the operands for the message if it does not.
 inline bool holds(COutcome&& outcome)
 {
     bool const holds = static_cast<bool>(outcome);
@@ -461,7 +461,7 @@ bool holds(TOperand<T>&& operand)
     return holds;
 }
 
-/// Whether an expression holds that is not taken apart, `a == b ? c : d` say.
+/// Whether an expression holds whose operands cannot be captured, such as `a == b ? c : d`.
 template <typename T>
 bool holds(T&& value)
 {

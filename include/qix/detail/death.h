@@ -11,24 +11,24 @@
 namespace qix::detail
 {
 
-/// How the process is to end in which a statement is run.
+/// How a child process is expected to end.
 enum class ProcessEnd
 {
     BySignal,
     WithStatus
 };
 
-/// Runs the statement in a child process. True when that ends as it should; otherwise what became
-/// of it is kept for the message of the check. Throws zel::CError when there can be no child.
+/// Runs the statement in a child process. True when that ends as expected; otherwise its end is
+/// captured for the message of the check. Throws zel::CError when no child can be made.
 /// \param number   of the signal, or the status
 /// \param written  becomes what the child has written to standard error
 QIX_EXPORT bool runInChild(ProcessEnd end, CFunctionRef statement, int number,
                            std::string& written);
 
-/// Whether the text is a part of what was written; otherwise both are kept for the message.
+/// Whether the output contains the text; otherwise captures both for the message.
 QIX_EXPORT bool containsText(std::string_view written, std::string_view text);
 
-/// Keeps for the message that what was written does not match.
+/// Captures output that does not match, for the message.
 QIX_EXPORT void captureMismatch(std::string_view written, std::string_view expected);
 
 /// What QIX_CHECK_DIES and QIX_CHECK_EXITS check.

@@ -8,7 +8,7 @@
 namespace qix::detail
 {
 
-/// A check that has failed, while the message behind it is put together.
+/// A failed check whose message is being written.
 ///
 /// The library owns it, so that a check needs no object with a destructor, which takes time to
 /// compile. It has taken what its check kept, and so checks that fail in functions which are called

@@ -13,8 +13,8 @@
 namespace qix::detail
 {
 
-/// While it lives, the failures on its thread tell a text, which is made then. An exception that
-/// leaves its scope takes the text along.
+/// A scope whose text is added to the failures on its thread. The text is made when one occurs, or
+/// when an exception leaves the scope.
 class QIX_EXPORT CInfoScope
 {
 public:
@@ -35,14 +35,14 @@ private:
     Write* m_write;
     void const* m_parts;
     CInfoScope const* m_outer;
-    int m_exceptions; ///< how many were on their way when it began
+    int m_exceptions; ///< std::uncaught_exceptions() when it began
 };
 
 /// The source text of one of the \p count values in \p names, which commas separate.
 QIX_EXPORT std::string_view nameOfCapture(std::string_view names, std::size_t index,
                                           std::size_t count);
 
-/// A part of a text that has been made already.
+/// A part of a text, converted already.
 struct MadeText
 {
     std::string text;
@@ -54,25 +54,26 @@ template <typename T>
 constexpr bool isPointerToCharacters =
     std::is_pointer_v<T>&& isCharacter<std::remove_cv_t<std::remove_pointer_t<T>>>;
 
-/// Temporaries that may refer to others, which are gone before the text is made.
+/// Temporaries that may refer to other temporaries, which are destroyed before the text is made.
 template <typename T>
 constexpr bool isMadeAtOnce =
     !std::is_reference_v<T> &&
     (isPointerToCharacters<T> || (std::is_class_v<T> && std::is_trivially_copyable_v<T>));
 
-/// What a variable is kept as until the text is made: a reference, unless it is a scalar.
+/// The type by which a variable is captured until the text is made: a reference, or a scalar.
 template <typename T>
 using KeptVariable = std::conditional_t<std::is_scalar_v<std::remove_reference_t<T>> ||
                                             std::is_function_v<std::remove_reference_t<T>>,
                                         std::decay_t<T>, std::remove_reference_t<T> const&>;
 
-/// What a part is kept as until the text is made. A \p T that is no reference is a temporary.
+/// The type by which a part is captured until the text is made. A \p T that is no reference is a
+/// temporary.
 template <typename T>
 using KeptPart = std::conditional_t<
     isMadeAtOnce<T>, MadeText,
     std::conditional_t<std::is_reference_v<T>, KeptVariable<T>, std::decay_t<T>>>;
 
-/// Parts as they stand behind each other in a message.
+/// A list of the parts of a message, in order.
 struct MessageStyle
 {
     template <typename T>
@@ -122,7 +123,7 @@ MadeText makeText(T const& value)
     return {out.written()};
 }
 
-// Nobody gets as far as to miss that a comma evaluates both sides, of which -Weffc++ warns.
+// -Weffc++ warns of overloading the comma: nobody relies on the built-in one between two parts.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Weffc++"
 
@@ -141,7 +142,7 @@ MadeText makeText(T const& value)
         return append<T>(part);                                                                    \
     }
 
-/// Puts a part behind those that there are.
+/// Appends a part.
 template <typename Style, typename Parts>
 class TAppends
 {
@@ -178,7 +179,7 @@ private:
 #undef QIX_DETAIL_APPEND
 #pragma GCC diagnostic pop
 
-/// In front of all parts.
+/// The empty list of parts.
 template <typename Style>
 class TNoParts : public TAppends<Style, TNoParts<Style>>
 {
@@ -198,7 +199,7 @@ private:
     char const* m_names;
 };
 
-/// Parts of a text that is made later, if at all.
+/// The captured parts of a text, which is made on demand.
 template <typename Style, typename Front, typename Part>
 class TParts : public TAppends<Style, TParts<Style, Front, Part>>
 {
@@ -220,7 +221,7 @@ public:
 
     char const* getNames() const noexcept { return m_front.getNames(); }
 
-    /// \param total  how many parts there are at last
+    /// \param total  how many parts there will be
     void write(CMessageWriter& out, std::size_t total) const
     {
         m_front.write(out, total);
@@ -232,7 +233,7 @@ private:
     Part m_part;
 };
 
-/// The parts of a text, while failures tell it.
+/// The captured parts of a text and the scope that adds it to failures.
 template <typename Parts>
 class TInfo
 {

@@ -11,7 +11,7 @@
 namespace qix::detail
 {
 
-/// Adapts matchers of other libraries; those that it stands for specialise it.
+/// Adapts matchers of other libraries: specialised for each of them.
 template <typename Matcher, typename Value, typename = void>
 struct TForeignMatcher
 {
@@ -34,8 +34,8 @@ constexpr bool canExplain<Matcher, Value,
                               std::declval<CValueWriter&>(), std::declval<Value const&>()))>> =
     true;
 
-/// Whether the value is what is expected: by a matcher, or by a value that it has to equal. Texts
-/// equal each other by what they say, also those of C.
+/// Whether the value fulfils the matcher, or equals the expected value. C strings are compared by
+/// their characters.
 template <typename Expected, typename Value>
 bool matches(Expected const& expected, Value const& value)
 {
@@ -57,7 +57,7 @@ bool matches(Expected const& expected, Value const& value)
     }
 }
 
-/// Writes what was expected, and what of the value is different.
+/// Writes the expectation, and how the value differs from it.
 template <typename Expected, typename Value>
 struct TMatch
 {
@@ -84,16 +84,16 @@ struct TMatch
     }
 };
 
-/// Keeps a value and what was expected of it for the message of the check.
+/// Captures a value and the expectation for the message of the check.
 QIX_EXPORT void captureMatch(ValueRef value, ValueRef match);
 
-/// Keeps the exception being handled and what was expected of its message.
+/// Captures the exception being handled and the expectation of its message.
 QIX_EXPORT void captureThrownMatch(ValueRef match);
 
-/// The message of the exception being handled; of texts that are thrown these themselves.
+/// The message of the exception being handled; for a thrown text the text itself.
 QIX_EXPORT std::string messageOfException();
 
-/// Whether the value is what is expected. Keeps both for the message of the check if it is not.
+/// Whether the value is as expected. Captures both for the message of the check if it is not.
 template <typename Value, typename Expected>
 bool holdsThat(Value const& value, Expected const& expected)
 {
@@ -107,7 +107,7 @@ bool holdsThat(Value const& value, Expected const& expected)
     return holds;
 }
 
-/// Whether the exception being handled has the message that is expected. Keeps both if not.
+/// Whether the exception being handled has the expected message. Captures both if not.
 template <typename Expected>
 bool isThrownWith(Expected const& expected)
 {

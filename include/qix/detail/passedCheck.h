@@ -12,7 +12,7 @@ struct PassedCheck
     int volatile line;
 };
 
-/// The last one. In the initial-exec model it costs two stores and no call.
+/// The last check that has passed. The initial-exec model makes it two stores without a call.
 extern QIX_EXPORT __thread PassedCheck lastPassedCheck __attribute__((tls_model("initial-exec")));
 
 /// \param file  lives as long as the process

@@ -79,12 +79,12 @@ constexpr auto makeAttributes(Attribute... attribute) noexcept
 class QIX_EXPORT CTestList
 {
 public:
-    /// The names of types as the macro was given them, with commas in between; null without any.
+    /// The source text of the types that the macro was given, with commas; null without any.
     virtual char const* getTypes() const noexcept = 0;
 
     /// Adds a test whose body is a function.
-    /// \param name   what stands in brackets behind the macro's name
-    /// \param about  what a failure tells of the test beside its name; may be empty
+    /// \param name   the suffix in brackets of the name that the macro was given
+    /// \param about  the value or type, added to each failure of the test; may be empty
     /// \param param  what the body is called with; outlives the test
     virtual void add(std::string_view name, std::string_view about, void (*body)(void const*),
                      void const* param) = 0;
@@ -130,7 +130,7 @@ public:
                   CTestItem* (*make)(), AllAttributes const& attributes);
 
     /// \param list   lists the tests
-    /// \param types  what the list tells as its types
+    /// \param types  what CTestList::getTypes() returns
     CRegistration(char const* file, int line, char const* group, char const* name, ListTests* list,
                   char const* types, AllAttributes const& attributes);
     /// \copydoc CRegistration

@@ -12,7 +12,7 @@ class CSections;
 namespace qix::detail
 {
 
-/// One visit to a section of the running test, from the section's brace to the end of its block.
+/// One pass through a section of the running test: its scope is the block of the section.
 class QIX_EXPORT CSectionVisit
 {
 public:
@@ -21,15 +21,15 @@ public:
     CSectionVisit(CSectionVisit const&) = delete;
     CSectionVisit& operator=(CSectionVisit const&) = delete;
 
-    /// Ends the section, if it has come to its end, and throws what the runner throws then.
+    /// Ends the section if all in it has run, and lets exceptions of the runner through.
     ~CSectionVisit() noexcept(false);
 
-    /// True when the section is to be run now.
+    /// True when the section is to be run in this pass.
     explicit operator bool() const noexcept { return m_sections != nullptr; }
 
 private:
-    CSections* m_sections; ///< null when the section is passed by
-    int m_exceptionCount;  ///< how many exceptions were leaving something when the visit began
+    CSections* m_sections; ///< null when the section is skipped in this pass
+    int m_exceptionCount;  ///< std::uncaught_exceptions() at its beginning
 };
 
 } // namespace qix::detail

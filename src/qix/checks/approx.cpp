@@ -11,7 +11,7 @@ namespace qix
 namespace
 {
 
-void refuseInvalidTolerance(char const* where, double tolerance)
+void expectTolerance(char const* where, double tolerance)
 {
     if (!(tolerance >= 0))
     {
@@ -23,7 +23,7 @@ void refuseInvalidTolerance(char const* where, double tolerance)
 
 CApprox& CApprox::relative(double tolerance)
 {
-    refuseInvalidTolerance("CApprox::relative", tolerance);
+    expectTolerance("CApprox::relative", tolerance);
     m_relative = tolerance;
     m_isRelativeSet = true;
     return *this;
@@ -31,7 +31,7 @@ CApprox& CApprox::relative(double tolerance)
 
 CApprox& CApprox::absolute(double tolerance)
 {
-    refuseInvalidTolerance("CApprox::absolute", tolerance);
+    expectTolerance("CApprox::absolute", tolerance);
     m_absolute = tolerance;
     m_relative = m_isRelativeSet ? m_relative : 0;
     return *this;

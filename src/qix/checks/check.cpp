@@ -19,10 +19,10 @@ namespace qix::detail
 namespace
 {
 
-/// What the check that is failing on this thread has to tell beside its expression.
+/// The captured operands of the check that is failing on this thread, as text.
 thread_local std::string keptText;
 
-/// A line in which a difference is hard to see.
+/// Beyond this length in bytes a difference between two values is hard to see.
 constexpr std::size_t longLine = 80;
 
 QIX_CATCHES_FORCED_UNWIND void writeExplanation(CValueWriter& out, ValueRef left, ValueRef right,

@@ -21,7 +21,7 @@ namespace qix::detail
 namespace
 {
 
-/// The bits of a number as an integer that is in the order of the numbers.
+/// Maps a floating-point number to an integer such that neighbours differ by 1.
 template <typename Integer, typename T>
 Integer ordered(T number) noexcept
 {
@@ -57,7 +57,7 @@ std::regex compiled(std::string const& expression)
     }
 }
 
-/// Assigns elements to expectations by augmenting paths.
+/// A maximum bipartite matching of elements and expectations, by augmenting paths.
 class CAssigner
 {
 public:

@@ -5,8 +5,8 @@
 namespace qix
 {
 
-/// Passes a value to functions that are called on this thread while it lives, for which the
-/// virtual operations in between have no argument.
+/// Passes a value down the stack of this thread, past virtual operations whose fixed signatures
+/// have no argument for it.
 template <typename T>
 class TScopedThreadValue
 {

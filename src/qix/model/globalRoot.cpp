@@ -11,7 +11,7 @@ namespace qix
 namespace
 {
 
-/// What cannot be made now is made on its first use.
+/// Objects that cannot be made now are made on their first use.
 template <typename Get>
 void makeIfPossible(Get const& get)
 {
@@ -24,8 +24,8 @@ void makeIfPossible(Get const& get)
     }
 }
 
-/// What destructors of tests may use has to outlive the root, which owns the tests: a safe global
-/// that has gone lets its users wait for ever.
+/// The safe globals that destructors of tests may use have to outlive the root, which owns the
+/// tests: whoever uses one after its end waits for ever.
 zel::P<CTestItemGroup> makeRoot()
 {
     makeIfPossible(&zel::CUnixPathTraits::getSep);

@@ -12,14 +12,14 @@
 namespace qix
 {
 
-/// The exception by which the test or sub-test has ended that is being reported to the runner.
+/// The exception that ended the test or sub-test which is being reported to the runner.
 using CReportedException = TScopedThreadValue<std::exception>;
 
-/// Where the sub-test is written that is being reported to the runner.
+/// The source location of the sub-test that is being reported to the runner.
 using CReportedLocation = TScopedThreadValue<SourceLocation>;
 
-/// Calls \p call and, when it throws, \p whenThrown with what that makes of it and the exception,
-/// which is being handled then. What is no std::exception is not caught.
+/// Calls \p call. When it throws a std::exception, calls \p whenThrown in the handler, with the
+/// outcome that the exception stands for and the exception; others are not caught.
 /// \return  whether the call returned
 template <typename Call, typename WhenThrown>
 bool catchOutcome(Call const& call, WhenThrown const& whenThrown)
@@ -44,7 +44,7 @@ bool catchOutcome(Call const& call, WhenThrown const& whenThrown)
     return false;
 }
 
-/// What the exception tells of an outcome.
+/// The outcome that an exception stands for.
 /// \param exception  null when nothing is known but the kind
 TestOutcome makeOutcome(TestOutcome::Kind kind, std::exception const* exception);
 

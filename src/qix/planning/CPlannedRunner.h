@@ -24,7 +24,7 @@ namespace qix
 /// log and the counts.
 ///
 /// Items hand their children to the runner, or announce them as sub-tests, as ever. The runner
-/// looks each one up in the tree and refuses it when it is not wanted. The groups of the library
+/// looks each one up in the tree and leaves it out unless it is wanted. The groups of the library
 /// get another child run than the one they hand over when the order asks for that; items of other
 /// classes may do something between their children, so that these keep their order.
 class CPlannedRunner : public CConsoleTestRunner

@@ -86,7 +86,7 @@ std::optional<int> CTestSelection::select(std::vector<char const*> const& lines)
     {
         m_plan->drop(m_dropped);
     }
-    refuse();
+    applyFilters();
     std::vector<NodeIndex> const tests = m_plan->listTests();
     m_digest = digestOf(m_tree, tests);
     if (m_options.any && tests.empty() && (areNamed || !lines.empty()))
@@ -138,9 +138,9 @@ bool CTestSelection::reportUnmatched() const
     return unmatched > 0;
 }
 
-void CTestSelection::refuse()
+void CTestSelection::applyFilters()
 {
-    m_plan->refuse([this](ITestItem const& item) { return m_runner.isFilteredOut(item); });
+    m_plan->applyFilters([this](ITestItem const& item) { return m_runner.isFilteredOut(item); });
 }
 
 bool CTestSelection::isRemembered(NodeIndex node) const
@@ -171,7 +171,7 @@ void CTestSelection::remember()
     }
 }
 
-/// Tests that the filters refuse take no time and are spread by their ids.
+/// Tests that the filters leave out take no time and are spread by their ids.
 ///
 /// Only times of a file that was named are used: all shards can be given the same one, where those
 /// of the working folder differ from shard to shard and change with each run.
@@ -190,7 +190,7 @@ void CTestSelection::keepShard()
     m_plan->keepTests(
         [this, &shard, part](NodeIndex node)
         {
-            return m_plan->isRefused(node)
+            return m_plan->isFilteredOut(node)
                        ? m_tree[node].idHash.get() % part.count + 1 == part.number
                        : std::binary_search(shard.begin(), shard.end(), node);
         });
@@ -230,7 +230,7 @@ std::optional<int> CTestSelection::keepFailed()
     {
         m_plan->letIn(test);
     }
-    refuse();
+    applyFilters();
     if (tests.empty())
     {
         std::puts("Nothing that is selected failed in the last run.");

@@ -47,7 +47,7 @@ private:
     bool applyLines(std::vector<char const*> const& lines);
     void remember();
     bool reportUnmatched() const;
-    void refuse();
+    void applyFilters();
     void keepShard();
     std::optional<int> keepFailed();
     bool hasFailedInLastRun(NodeIndex node) const;

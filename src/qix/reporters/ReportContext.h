@@ -20,7 +20,7 @@ struct ReportContext
     std::string shard;   ///< such as "2/5"; empty when there is none
     std::vector<std::string> options;
 
-    /// The id of a test that is about to begin, or that the filters refuse.
+    /// The id of a test that is about to begin, or that the filters leave out.
     std::function<std::string(TestInfo const&)> idOf;
 
     /// What is known of the process that has run what ends just now.

@@ -108,14 +108,14 @@ void CTestPlan::passUp()
     }
 }
 
-void CTestPlan::refuse(Filter const& filter)
+void CTestPlan::applyFilters(Filter const& filter)
 {
     for (NodeIndex node = 0; node < m_tree.size(); ++node)
     {
         TestNode const& entry = m_tree[node];
-        bool const isParentRefused = entry.parent != noNode && isRefused(entry.parent);
+        bool const isParentOut = entry.parent != noNode && isFilteredOut(entry.parent);
         bool const asksFilter = isWanted(node) && !isLetIn(node) && entry.item != nullptr;
-        set(node, Refused, isParentRefused || (asksFilter && filter(*entry.item)));
+        set(node, FilteredOut, isParentOut || (asksFilter && filter(*entry.item)));
     }
 }
 
@@ -124,7 +124,7 @@ std::vector<NodeIndex> CTestPlan::listTests() const
     std::vector<NodeIndex> tests;
     for (NodeIndex node = 0; node < m_tree.size(); ++node)
     {
-        if (m_tree.isLeaf(node) && isWanted(node) && !isRefused(node))
+        if (m_tree.isLeaf(node) && isWanted(node) && !isFilteredOut(node))
         {
             tests.push_back(node);
         }

@@ -15,7 +15,7 @@ namespace qix
 class CTestPlan
 {
 public:
-    /// Tells whether the filters refuse an item.
+    /// Tells whether the filters leave an item out.
     using Filter = std::function<bool(ITestItem const&)>;
 
     /// Everything that is below the selected children of the root.
@@ -36,7 +36,7 @@ public:
     void letIn(NodeIndex node);
 
     /// Asks the filters about everything that is wanted.
-    void refuse(Filter const& filter);
+    void applyFilters(Filter const& filter);
 
     bool isWanted(NodeIndex node) const { return has(node, Wanted); }
 
@@ -46,13 +46,13 @@ public:
     /// True when the filters are not asked.
     bool isLetIn(NodeIndex node) const { return has(node, LetIn); }
 
-    /// True when the filters refuse the item, or one that it is in.
-    bool isRefused(NodeIndex node) const { return has(node, Refused); }
+    /// True when the filters leave out the item, or one that it is in.
+    bool isFilteredOut(NodeIndex node) const { return has(node, FilteredOut); }
 
     /// The tests that run unless something else stops them, in the order of declaration.
     std::vector<NodeIndex> listTests() const;
 
-    /// All that is wanted and has no children, refused or not.
+    /// All that is wanted and has no children, filtered out or not.
     std::vector<NodeIndex> listWanted() const;
 
     CTestTree const& tree() const noexcept { return m_tree; }
@@ -63,7 +63,7 @@ private:
         Wanted = 1,
         Whole = 2,
         LetIn = 4,
-        Refused = 8
+        FilteredOut = 8
     };
 
     bool has(NodeIndex node, Flag flag) const { return (m_flags[node] & flag) != 0; }

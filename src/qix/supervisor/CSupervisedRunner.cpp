@@ -54,8 +54,8 @@ std::optional<std::chrono::nanoseconds> limitOfTest(ITestItem const& item,
 
 } // namespace
 
-/// Opens a unit when it is first asked: the filters may refuse it before. What nobody has planned
-/// gets a process for itself then.
+/// Opens a unit when it is first asked: the filters may leave it out before. What nobody has
+/// planned gets a process for itself then.
 class CSupervisedRunner::CUnitSource : public IMessageSource
 {
 public:
@@ -226,7 +226,7 @@ void CSupervisedRunner::addUnits(NodeIndex parent)
     for (NodeIndex const node : childrenOf(parent))
     {
         ITestItem* const item = plan().tree()[node].item.get();
-        bool const isRun = item != nullptr && plan().isWanted(node) && !plan().isRefused(node);
+        bool const isRun = item != nullptr && plan().isWanted(node) && !plan().isFilteredOut(node);
         if (isRun && isLibraryGroup(*item))
         {
             addUnits(node);

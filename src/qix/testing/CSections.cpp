@@ -82,8 +82,8 @@ bool CSections::enter(std::string_view name, SourceLocation const& location)
     return true;
 }
 
-/// The section of this place and name in the current one. It is new in the first pass that comes to
-/// it.
+/// The section with this name and source location in the current one. It is created in the first
+/// pass that reaches it.
 CSections::Section& CSections::find(std::string_view name, SourceLocation const& location)
 {
     Section& parent = *m_current;
@@ -106,10 +106,10 @@ CSections::Section& CSections::find(std::string_view name, SourceLocation const&
     return section;
 }
 
-/// False when the runner does not want it.
+/// False when the runner filters it out.
 bool CSections::begin(Section& section)
 {
-    // What has begun in an earlier pass, and was not come to in this one, is not come to any more.
+    // A section that began in an earlier pass and was not reached in this one never will be.
     if (section.parent->open != nullptr)
     {
         end(*section.parent->open);

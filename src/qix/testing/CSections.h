@@ -18,14 +18,14 @@ namespace qix
 
 /// The sections of one test, or of one row, and which of them are still to be run.
 ///
-/// What they stand in is run from its beginning again and again. Each of these passes runs the
-/// first innermost section that has not run yet, and passes the others by. A section is a sub-test
-/// for the runner: it begins when it is first entered, and ends when all in it has run. In between,
-/// while what stands around it is run again, it stays open there without being the current run.
+/// The code around them is run from its beginning in each pass. A pass runs the first innermost
+/// section that has not run yet, and skips the others. To the runner a section is a sub-test: it
+/// begins when it is first entered, and ends when all sections in it have run. Between two passes
+/// it stays open in the runner without being the current context.
 class CSections
 {
 public:
-    /// \param body  the run of what the sections stand in, which owns this
+    /// \param body  the context of the code around the sections, which owns this
     explicit CSections(CTestContext& body);
     CSections(CSections const&) = delete;
     CSections& operator=(CSections const&) = delete;
@@ -36,26 +36,26 @@ public:
     /// True when another pass is needed.
     bool endPass();
 
-    /// Ends all that is open for the runner.
+    /// Ends all sections that are open in the runner.
     void endAll();
 
-    /// True when the section is to be run now; then leave() follows.
+    /// True when the section is to be run in this pass; leave() has to follow.
     bool enter(std::string_view name, SourceLocation const& location);
 
-    /// \param isUnwinding  an exception leaves the section
+    /// \param isUnwinding  whether the section is left by an exception
     void leave(bool isUnwinding);
 
-    /// Ends the section that an exception has left, once it is known what has become of that.
+    /// Ends the section that an exception has left, once that exception has been recorded.
     void endCut();
 
-    /// The run that an exception belongs to which was caught behind the body: that of the innermost
-    /// section it has left, or that of the body.
+    /// The context to which an exception that has left the body belongs: that of the innermost
+    /// section it has left, or else that of the body.
     CTestContext& ownerOfException() noexcept;
 
 private:
     struct Section;
 
-    /// A name may stand there several times, in a loop say.
+    /// Name and source location, and a number, since a section may be entered again in a loop.
     using Key = std::tuple<std::string, std::string_view, int, unsigned>;
 
     struct Section
@@ -64,7 +64,7 @@ private:
         SourceLocation location{nullptr, 0};
         std::string name;
         bool isDone = false;
-        std::unique_ptr<CTestContext> run; ///< null as long as it has not begun
+        std::unique_ptr<CTestContext> run; ///< null until it has begun
         std::optional<CForkGuard> guard;   ///< while it is being visited
         std::map<Key, Section> children;
         std::size_t unfinished = 0; ///< how many children are not done
@@ -82,11 +82,11 @@ private:
     CTestContext& m_bodyRun;
     Section m_body;
     Section* m_current = &m_body;
-    Section* m_cut = nullptr; ///< what an exception has left that nobody may have caught yet
+    Section* m_cut = nullptr; ///< left by an exception that may still be propagating
     unsigned m_pass = 0;
     bool m_hasRunInnermost = false; ///< in this pass
     bool m_hasFinished = false;     ///< any section in this pass
-    bool m_wasCut = false;          ///< in this pass, so that what stands behind is not known
+    bool m_wasCut = false;          ///< in this pass, so that later sections are still unknown
     bool m_hasBodyThrown = false;   ///< in this pass
 };
 

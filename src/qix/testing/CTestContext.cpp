@@ -21,18 +21,18 @@ namespace qix
 namespace
 {
 
-/// Guards the chain of all runs and what they have noted. Both outlive every thread. Nothing of a
-/// test's own is called under it: that may wait for a thread that is about to check something.
+/// Guards the list of all contexts and their failures. Both outlive every thread. No user code is
+/// called while it is locked: that may wait for a thread that is about to check something.
 std::mutex runsMutex;
 CForkLock const runsLockedWhileForking(runsMutex);
 CTestContext* innermostOfProcess = nullptr;
 thread_local CTestContext* innermostOfThread = nullptr;
 
-/// A check in a loop can fail without end.
+/// A check in a loop can fail any number of times.
 constexpr std::size_t listedFailures = 100;
 
-/// A row of a short test takes a part of the test's time. What longer ones take nobody has said,
-/// and the shortest time of their class would be wrong.
+/// A row of a short test is short, too. Rows of longer tests have no known duration, and would be
+/// reported as faster than the shortest time of the duration of their test.
 ITestItem::Duration durationOfRows(ITestItem const& item)
 {
     return item.getDuration() == ITestItem::Short ? ITestItem::Short : ITestItem::None;
@@ -40,11 +40,11 @@ ITestItem::Duration durationOfRows(ITestItem const& item)
 
 } // namespace
 
-/// Keeps a run from ending while it lives, without a lock.
+/// A guard that keeps a context from ending, without a lock.
 class CTestContext::CUse
 {
 public:
-    /// \param object  what the run has made; null for the current run
+    /// \param object  what the context has made; null for the current context
     explicit CUse(CTestItem const* object = nullptr) noexcept
     {
         std::lock_guard<std::mutex> const lock(runsMutex);
@@ -61,7 +61,7 @@ public:
         {
             std::lock_guard<std::mutex> const lock(runsMutex);
             --m_run->m_useCount;
-            // Under the lock, without which the run could end first, and the condition with it.
+            // Under the lock, since otherwise the context could be destroyed before this call.
             m_run->m_useEnded.notify_all();
         }
     }
@@ -122,7 +122,7 @@ void CTestContext::leave() noexcept
     std::unique_lock<std::mutex> lock(runsMutex);
     m_isCurrent = false;
     innermostOfThread = m_outerOfThread;
-    // Runs of other threads may have come and stayed since.
+    // Contexts of other threads may have been pushed in the meantime.
     CTestContext** link = &innermostOfProcess;
     while (*link != this)
     {
@@ -234,7 +234,7 @@ void CTestContext::noteThrown(char const* step, std::string const& what)
     note({"", 0, "", text});
 }
 
-/// What is run once more by each pass fails once more; it is told once.
+/// Code in front of the sections fails again in each pass; its failure is reported once.
 bool CTestContext::isKnownFromEarlierPass(CheckFailure const& failure) const
 {
     auto const end = m_failures.begin() + static_cast<std::ptrdiff_t>(m_knownFailures);
@@ -295,7 +295,7 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::catchAll(char const* name, detail::
     }
     catch (abi::__forced_unwind const&)
     {
-        // The thread is being cancelled, which nobody may stop.
+        // The thread is being cancelled: the forced unwind must go on.
         throw;
     }
     catch (...)
@@ -306,7 +306,7 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::catchAll(char const* name, detail::
     return false;
 }
 
-/// An exception that has left a section is the section's.
+/// An exception that has left a section belongs to the section.
 CTestContext& CTestContext::ownerOfException() noexcept
 {
     return m_ownSections == nullptr ? *this : m_ownSections->ownerOfException();

@@ -23,7 +23,7 @@ namespace qix
 
 class CSections;
 
-/// Thrown by a requirement that does not hold, whose failure has been noted in its run already.
+/// Thrown by a requirement that does not hold, whose failure its context has recorded already.
 class CRequirementFailedException : public CTestFailedException
 {
 public:
@@ -33,17 +33,17 @@ public:
     [[noreturn]] void throwClone() const override;
 };
 
-/// One run of a test, or of a sub-test inside it: gathers what goes wrong, wherever it happens.
+/// The context of a running test or sub-test: collects its failures, whichever thread they are on.
 ///
-/// From its construction to finish() it is the current run, to which checks belong: of its own
-/// thread, and of all threads that have no run themselves.
+/// From its construction to finish() it is the current context, which checks report to: of its own
+/// thread, and of all threads that have no context themselves.
 class CTestContext
 {
 public:
-    /// The run of a test.
+    /// The context of a test.
     CTestContext(ITestItem& item, ITestRunner* runner) noexcept;
 
-    /// The run of a sub-test inside of another run.
+    /// The context of a sub-test, nested in another one.
     /// \param sections  those that it belongs to if it is a section; null for a row
     CTestContext(CTestContext const& outer, CSections* sections) noexcept;
 
@@ -51,54 +51,55 @@ public:
     CTestContext& operator=(CTestContext const&) = delete;
     ~CTestContext();
 
-    /// The innermost run of the calling thread, or null.
+    /// The innermost context of the calling thread, or null.
     static CTestContext* ofThisThread() noexcept;
 
-    /// Notes a failure in the current run. False when there is none. Safe to call on any thread.
+    /// Records a failure in the current context. False when there is none. Safe to call on any
+    /// thread.
     static bool noteInCurrent(CheckFailure const& failure);
 
-    /// Records a line in the item of the current run. False when there is none. Safe to call on
+    /// Records a line in the item of the current context. False when there is none. Safe to call on
     /// any thread.
     static bool logInCurrent(zel::String const& line);
 
-    /// The run that the object was made for, if that is the innermost of the calling thread, or
+    /// The context that the object was made for, if that is the innermost of the calling thread, or
     /// null.
     static CTestContext* ofObject(CTestItem const& object) noexcept;
 
-    /// Called by each test that is being constructed. True when it is the object that this thread's
-    /// run is making.
+    /// Called by each test that is being constructed. True when it is the object that the context
+    /// of this thread is making.
     static bool takeAwaited(CTestItem& object) noexcept;
 
-    /// Records a line in the item of the run that the object was made for, if that has not ended.
-    /// Safe to call on any thread.
+    /// Records a line in the item of the context that the object was made for, unless that has
+    /// ended. Safe to call on any thread.
     static void logInRunOf(CTestItem const& object, zel::String const& line);
 
-    /// Makes an object, runs it as a part of this run and releases it.
+    /// Makes an object, runs it in this context and releases it.
     /// \param make  sets \p object
     void perform(zel::P<CTestItem>& object, detail::CFunctionRef make);
 
-    /// Calls \p step and keeps what it throws. True when it returned.
+    /// Calls \p step and records the exception that it throws. True when it returned.
     /// \param name  what messages call the step
     bool tryStep(char const* name, detail::CFunctionRef step);
 
-    /// Each failure tells this, too, unless it is empty.
-    /// \param about  outlives the run
+    /// Adds a text to each failure, unless it is empty.
+    /// \param about  outlives the context
     void tellAbout(std::string const& about) noexcept { m_about = &about; }
 
-    /// A sub-test that fails does not do so for the runner, but sets the flag.
-    /// \param hasFailed  outlives the run
+    /// Reports failing sub-tests to the runner as passed, and sets the flag instead.
+    /// \param hasFailed  outlives the context
     void expectFailure(bool& hasFailed) noexcept { m_hasFailedAsExpected = &hasFailed; }
 
-    /// Calls what makes up the test, again and again until all sections in it have run.
+    /// Calls the body of the test, again and again until all sections in it have run.
     void runPasses(detail::CFunctionRef pass);
 
-    /// The sections that this run belongs to, or that stand in it.
+    /// The sections that this context belongs to, or that are in it.
     CSections& sections();
 
-    /// Becomes the current run again, after leave().
+    /// Becomes the current context again, after leave().
     void enter() noexcept;
 
-    /// Is not the current run any more. Waits for threads that are recording a line.
+    /// Ceases to be the current context. Waits for threads that are recording a line.
     void leave() noexcept;
 
     /// Asks the runner. False when it does not want the sub-test.
@@ -109,19 +110,19 @@ public:
 
     void note(CheckFailure const& failure);
 
-    /// Runs a row inside this run, which it does not fail, and reports it to the runner.
+    /// Runs a row as a sub-test, which does not fail the test, and reports it to the runner.
     /// \param location  where the sub-test is written
     void runSubTest(std::string const& name, detail::CFunctionRef row,
                     SourceLocation const& location);
 
-    /// Ends the run: nothing is noted any more. Throws unless all went well, as ITestItem::run()
-    /// does.
+    /// Ends the context: no failure is recorded any more. Throws unless all went well, as
+    /// ITestItem::run() does.
     void finish();
 
 private:
     class CUse;
 
-    /// What a step threw. No copy is made of an exception that is kept, so that both are the same.
+    /// An exception that a step threw. It is not copied, so that the caller gets the very object.
     struct Thrown
     {
         TestOutcome::Kind kind;
@@ -148,7 +149,7 @@ private:
 
     ITestItem& m_item;
     ITestRunner* m_runner;
-    CTestItem const* m_object = nullptr; ///< what is made for this run
+    CTestItem const* m_object = nullptr; ///< what is made for this context
     bool m_awaitsObject = false;
     std::string const* m_about = nullptr;
     bool* m_hasFailedAsExpected = nullptr; ///< null unless failures are expected
@@ -157,7 +158,7 @@ private:
     bool m_isCurrent = false;
     unsigned m_useCount = 0; ///< how many threads are recording a line in the item
     std::condition_variable m_useEnded;
-    std::vector<CheckFailure> m_failures; ///< those that are listed, in the order of their coming
+    std::vector<CheckFailure> m_failures; ///< those that are listed, in the order they occurred in
     std::size_t m_failureCount = 0;
     std::size_t m_knownFailures = 0; ///< how many of the listed ones are of earlier passes
     bool m_hasInfos = false;         ///< of an exception, which cannot tell them itself

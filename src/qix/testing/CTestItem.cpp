@@ -14,7 +14,7 @@ namespace qix
 namespace
 {
 
-/// Tests log from threads of their own.
+/// Guards the output of tests, which may log on several threads.
 std::mutex logMutex;
 CForkLock const logLockedWhileForking(logMutex);
 

@@ -57,8 +57,8 @@ private:
     std::optional<detail::CMessageWriter> m_message = {};
 };
 
-/// Those on a thread: the last one is the innermost, in a function that the message of the one in
-/// front of it calls.
+/// The failures of a thread whose messages are incomplete, as a stack: the message of one may call
+/// a function in which the next one fails.
 class CPendingFailures
 {
 public:

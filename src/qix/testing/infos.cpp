@@ -21,7 +21,7 @@ thread_local detail::CInfoScope const* innermost = nullptr;
 thread_local Texts leftTexts; ///< of the scopes that an exception has left, the innermost first
 thread_local bool isTelling = false;
 
-/// A check that fails while a text is made does not tell it once more.
+/// Set while a text is made, so that a check failing in there does not ask for it again.
 class CTelling
 {
 public:
@@ -47,7 +47,7 @@ Texts textsOfScopes()
 
 using Names = std::vector<std::string_view>;
 
-/// Where a literal that begins at \p begin ends.
+/// The end of the literal that begins at \p begin.
 std::size_t endOfLiteral(std::string_view source, std::size_t begin)
 {
     std::size_t end = begin + 1;
@@ -65,8 +65,8 @@ std::string_view trimmed(std::string_view text)
     return begin == std::string_view::npos ? "" : text.substr(begin, end - begin);
 }
 
-/// Splits source text at the commas that stand in no brackets and no literal.
-/// \param brackets  those that open, and in the same order those that close
+/// Splits source text at the commas outside of brackets and literals.
+/// \param brackets  the opening ones, and in the same order the closing ones
 Names splitNames(std::string_view source, std::string_view brackets)
 {
     Names names;
@@ -155,7 +155,7 @@ CInfoScope::~CInfoScope()
         }
         catch (std::exception const&)
         {
-            // There is no memory for it; the exception on its way tells more.
+            // Out of memory; the exception that is propagating is more important.
         }
     }
     else if (!isExceptionOnItsWay())

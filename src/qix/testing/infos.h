@@ -5,14 +5,14 @@
 namespace qix
 {
 
-/// What the scopes on this thread tell with a failure: a line or more for each, the innermost last,
-/// and behind them what the last exception has taken along.
+/// The texts of the QIX_INFO scopes of this thread for a failure: at least a line for each, the
+/// innermost last, followed by those of the scopes that the last exception has left.
 std::string infosOfThisThread();
 
-/// Forgets what an exception has taken along that has been told or that nobody asks for.
+/// Drops the texts of the scopes that an exception has left: it was reported, or was expected.
 void forgetLeftInfos() noexcept;
 
-/// Hides the scopes of this thread from a test that runs inside them.
+/// Hides the scopes of this thread from a test that is run within them.
 class CHiddenInfos
 {
 public:

@@ -5,10 +5,10 @@
 namespace qix
 {
 
-/// What the check that is failing on this thread tells beside its expression; it is kept no longer.
+/// The captured operands of the check that is failing on this thread, as text. Clears them.
 std::string takeKeptText();
 
-/// Keeps what the check that is failing on this thread is going to tell beside its expression.
+/// Sets the text of the captured operands of the check that is failing on this thread.
 void keepText(std::string text);
 
 } // namespace qix

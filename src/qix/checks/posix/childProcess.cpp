@@ -29,7 +29,7 @@ namespace
                       ": " + std::strerror(errno));
 }
 
-/// A file without a name, which nobody has to read while it is written.
+/// An unlinked temporary file: unlike a pipe, it takes any amount without a reader.
 class CMemoryFile
 {
 public:
@@ -65,8 +65,8 @@ private:
     int m_descriptor;
 };
 
-/// The first of all handlers that exit() calls of those that the parent has registered, too, and
-/// the last that is called: static objects of the parent's are no business of the child's.
+/// An on_exit() handler that ends the child before those that the parent has registered: the child
+/// must not destroy static objects of the parent.
 void leaveWithoutInherited(int status, void* /*nothing*/)
 {
     std::fflush(stderr);
@@ -81,7 +81,7 @@ void divertStreams(int errors)
     dup2(errors, STDERR_FILENO);
 }
 
-/// Sanitizers and crash reporters handle these signals, and so would hide which one it was.
+/// Handlers of sanitizers and crash reporters would hide by which signal the child ends.
 void forgetSignalHandlers()
 {
     for (int const number : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP})
@@ -119,7 +119,7 @@ QIX_CATCHES_FORCED_UNWIND void callAndTell(detail::CFunctionRef statement, int r
     }
     catch (abi::__forced_unwind const&)
     {
-        // The thread, which is the only one here, ends itself, and its process with it.
+        // The only thread of the child is being cancelled, which ends the process.
         throw;
     }
     catch (...)

@@ -7,7 +7,7 @@
 namespace qix
 {
 
-/// What became of a statement that was run in a child process.
+/// How a child process has ended in which a statement was run.
 struct ChildEnd
 {
     enum Kind
@@ -25,9 +25,9 @@ struct ChildEnd
     std::string written; ///< what it wrote to standard error
 };
 
-/// Calls the statement in a forked process, and waits for its end. There, standard input and output
-/// lead nowhere, a signal for an error ends the process without handlers, and exit() does not touch
-/// what the caller would release at its end. Throws zel::CError when there can be no such process.
+/// Calls the statement in a forked child, and waits for its end. In the child, standard input and
+/// output are /dev/null, signals of errors have their default action, and exit() calls no handlers
+/// of the parent. Throws zel::CError when no child can be made.
 ChildEnd callInChildProcess(detail::CFunctionRef statement);
 
 } // namespace qix
