@@ -3,24 +3,20 @@
 #include <qix/detail/check.h>
 #include <qix/detail/matching.h>
 
+#include "testing/capturedText.h"
 #include "testing/infos.h"
-#include "testing/keptText.h"
 #include "text/decodedText.h"
 #include "text/describeSafely.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
 
 #include <string>
-#include <utility>
 
 namespace qix::detail
 {
 
 namespace
 {
-
-/// The captured operands of the check that is failing on this thread, as text.
-thread_local std::string keptText;
 
 /// Beyond this length in bytes a difference between two values is hard to see.
 constexpr std::size_t longLine = 80;
@@ -66,7 +62,7 @@ void captureOperands(ValueRef left, char const* comparison, ValueRef right, Expl
     out.text(" ");
     describeSafely(out, right);
     writeExplanation(out, left, right, explain);
-    keptText = withoutLineEnds(out.written());
+    setCapturedText(withoutLineEnds(out.written()));
 }
 
 void captureOperand(ValueRef value)
@@ -74,7 +70,7 @@ void captureOperand(ValueRef value)
     CValueWriter out;
     out.text("with ");
     describeSafely(out, value);
-    keptText = withoutLineEnds(out.written());
+    setCapturedText(withoutLineEnds(out.written()));
 }
 
 void captureMatch(ValueRef value, ValueRef match)
@@ -84,7 +80,7 @@ void captureMatch(ValueRef value, ValueRef match)
     describeSafely(out, value);
     out.text("\nexpected: ");
     describeSafely(out, match);
-    keptText = withoutLineEnds(out.written());
+    setCapturedText(withoutLineEnds(out.written()));
 }
 
 void captureThrownMatch(ValueRef match)
@@ -92,7 +88,7 @@ void captureThrownMatch(ValueRef match)
     CValueWriter out;
     out.text("it threw " + currentExceptionText() + "\nexpected the message: ");
     describeSafely(out, match);
-    keptText = withoutLineEnds(out.written());
+    setCapturedText(withoutLineEnds(out.written()));
 }
 
 std::string messageOfException()
@@ -102,7 +98,7 @@ std::string messageOfException()
 
 void captureException()
 {
-    keptText = "it threw " + currentExceptionText();
+    setCapturedText("it threw " + currentExceptionText());
 }
 
 void forgetException() noexcept
@@ -112,7 +108,7 @@ void forgetException() noexcept
 
 void captureNothingThrown()
 {
-    keptText = "nothing was thrown";
+    setCapturedText("nothing was thrown");
 }
 
 void skip()
@@ -141,13 +137,3 @@ void abortWithText(zel::String const& message)
 }
 
 } // namespace qix::detail
-
-std::string qix::takeKeptText()
-{
-    return std::exchange(qix::detail::keptText, std::string());
-}
-
-void qix::keepText(std::string text)
-{
-    qix::detail::keptText = std::move(text);
-}

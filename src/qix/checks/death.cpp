@@ -1,7 +1,7 @@
 #include <qix/detail/death.h>
 
 #include "checks/posix/childProcess.h"
-#include "testing/keptText.h"
+#include "testing/capturedText.h"
 
 #include <cstring>
 
@@ -47,8 +47,9 @@ bool runInChild(ProcessEnd end, CFunctionRef statement, int number, std::string&
     bool const isExpected = found.kind == kind && found.number == number;
     if (!isExpected)
     {
-        keepText(textOf(found) +
-                 (written.empty() ? "" : "\nit wrote to standard error: " + quoted(written)));
+        setCapturedText(textOf(found) + (written.empty()
+                                             ? ""
+                                             : "\nit wrote to standard error: " + quoted(written)));
     }
     return isExpected;
 }
@@ -65,8 +66,8 @@ bool containsText(std::string_view written, std::string_view text)
 
 void captureMismatch(std::string_view written, std::string_view expected)
 {
-    keepText("it wrote " + quoted(written) +
-             " to standard error; expected: " + std::string(expected));
+    setCapturedText("it wrote " + quoted(written) +
+                    " to standard error; expected: " + std::string(expected));
 }
 
 } // namespace qix::detail

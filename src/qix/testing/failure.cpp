@@ -4,8 +4,8 @@
 #include <qix/noteFailure.h>
 
 #include "testing/CTestContext.h"
+#include "testing/capturedText.h"
 #include "testing/infos.h"
-#include "testing/keptText.h"
 #include "testing/pendingFailures.h"
 
 #include <memory>
@@ -144,7 +144,7 @@ CMessageWriter& CFailedCheck::message()
 
 CFailedCheck& failedCheck(char const* file, int line, char const* check)
 {
-    return pendingFailures.begin({file, line, check == nullptr ? "" : check, takeKeptText()});
+    return pendingFailures.begin({file, line, check == nullptr ? "" : check, takeCapturedText()});
 }
 
 void operator&(NotesFailure, CFailedCheck& failed)

@@ -6,9 +6,9 @@ namespace qix
 {
 
 /// The captured operands of the check that is failing on this thread, as text. Clears them.
-std::string takeKeptText();
+std::string takeCapturedText();
 
 /// Sets the text of the captured operands of the check that is failing on this thread.
-void keepText(std::string text);
+void setCapturedText(std::string text);
 
 } // namespace qix
