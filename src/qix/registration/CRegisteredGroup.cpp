@@ -3,6 +3,7 @@
 #include "guards/posix/CForkLock.h"
 #include "model/CFlagWhileAlive.h"
 #include "registration/CGroupRun.h"
+#include "registration/CTestLister.h"
 #include "registration/CTestMaker.h"
 
 #include <memory>
@@ -28,7 +29,7 @@ void addItems(zel::P<CRegisteredGroup> const& group, Items& items)
 
 void addItems(RegisteredSpecialPtr const& test, Items& items)
 {
-    Items const made = CTestMaker::make(*test);
+    Items const made = CTestLister(*test).list();
     items.insert(items.end(), made.begin(), made.end());
 }
 

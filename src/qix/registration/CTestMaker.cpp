@@ -2,7 +2,6 @@
 
 #include "guards/posix/CForkLock.h"
 #include "registration/CGroupRun.h"
-#include "registration/CTestLister.h"
 #include "testing/CTestContext.h"
 
 #include <cstddef>
@@ -95,11 +94,6 @@ zel::P<ITestItem> CTestMaker::make(RegisteredFunction const& test)
 zel::P<ITestItem> CTestMaker::make(RegisteredFixture const& test)
 {
     return makeItem<CFixtureTest>(test);
-}
-
-std::vector<zel::P<ITestItem>> CTestMaker::make(RegisteredSpecial const& test)
-{
-    return CTestLister(test).list();
 }
 
 void CTestMaker::locate(CTestItem& item, RegisteredTest const& test) noexcept

@@ -4,20 +4,15 @@
 
 #include "registration/RegisteredTest.h"
 
-#include <vector>
-
 namespace qix::detail
 {
 
-/// Makes the items of registered tests.
+/// Makes the items of tests that are registered one by one.
 class CTestMaker
 {
 public:
     static zel::P<ITestItem> make(RegisteredFunction const& test);
     static zel::P<ITestItem> make(RegisteredFixture const& test);
-
-    /// The items of one macro.
-    static std::vector<zel::P<ITestItem>> make(RegisteredSpecial const& test);
 
     /// Tells the item where the test is written.
     static void locate(CTestItem& item, RegisteredTest const& test) noexcept;
