@@ -231,7 +231,8 @@ class Memory(OptionTest):
         next(self.folder.glob("testWork/*/testHistory-*.bin")).rename(self.folder / "times.bin")
         shards = [self.list_ids("--run=macros", "--times=times.bin", f"--shard={k}/2")
                   for k in (1, 2)]
-        self.assertEqual(sorted(sum(shards, [])), ["macros.inner.plain", "macros.inner.table"])
+        self.assertEqual(sorted(sum(shards, [])),
+                         ["macros.inner.plain", "macros.inner.table", "macros.tagged"])
         self.run_suite("--run=macros", "--order=longest", "--times=times.bin")
         self.assertEqual(self.ran()[0], "table")
 
