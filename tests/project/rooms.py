@@ -23,7 +23,7 @@ ROOMS = {
     'registration': ['guards', 'testing'],
     'support': ['guards'],
     'reporters': [],
-    'selection': ['runner'],
+    'selection': ['runner', 'guards'],
     'history': [],
     'options': ['guards', 'history', 'reporters'],
     'planning': ['guards', 'runner', 'registration', 'selection', 'history', 'options'],

@@ -1,9 +1,14 @@
 // Tests that do what no test should, each in a group of its own between two that pass.
+#include <qix/CTestItemGroup.h>
+#include <qix/ITestItemFactory.h>
 #include <qix/main.h>
 #include <qix/qix.h>
 #include <qix/test.h>
+#include <zel/CBase.h>
+#include <zel/P.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <clocale>
 #include <csignal>
@@ -15,6 +20,8 @@
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,6 +30,8 @@ namespace
 {
 
 // NOLINTBEGIN: these are the faults.
+std::time_t g_clockOffset = 0;
+
 [[gnu::noinline]] void crash()
 {
     int volatile* volatile nothing = nullptr;
@@ -53,9 +62,12 @@ void neverThrows() noexcept
     }
 }
 
-/// Starts a program in a session of its own, whose parent ends at once.
+/// Starts a program in a session of its own, whose parent ends at once. Comes back when it runs,
+/// which closes the last end of the pipe.
 void startDaemon()
 {
+    int ends[2];
+    QIX_REQUIRE(pipe2(ends, O_CLOEXEC) == 0);
     pid_t const child = fork();
     if (child == 0)
     {
@@ -67,6 +79,10 @@ void startDaemon()
         _exit(0);
     }
     waitpid(child, nullptr, 0);
+    close(ends[1]);
+    char nothing;
+    QIX_CHECK(read(ends[0], &nothing, 1) == 0);
+    close(ends[0]);
 }
 
 struct CrashAtEnd
@@ -80,6 +96,16 @@ struct CrashAtEnd
     }
     bool isArmed = false;
 } crashAtEnd;
+
+class CCrashingFactory : public zel::CBase, public virtual qix::ITestItemFactory
+{
+public:
+    zel::P<qix::ITestItem> createTestItem() override
+    {
+        crash();
+        return nullptr;
+    }
+};
 
 class CCrashingSetUp : public qix::CTestItem
 {
@@ -210,6 +236,27 @@ FAULT(openPipe)
 }
 END(openPipe)
 
+/// Each of the processes starts others until there are enough.
+FAULT(forkBomb)
+{
+    constexpr int limit = 64;
+    void* const memory = mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
+                              MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    auto& count = *new (memory) std::atomic<int>(0);
+    while (count.fetch_add(1) < limit)
+    {
+        fork();
+    }
+    waitForever();
+}
+END(forkBomb)
+
+FAULT(clockSetBack)
+{
+    g_clockOffset = -3600;
+}
+END(clockSetBack)
+
 FAULT(daemonAndCrash)
 {
     startDaemon();
@@ -261,6 +308,13 @@ FAULT(threads)
 }
 END(threads)
 
+/// Two threads, and both of them wait for ever.
+FAULT(deadlock)
+{
+    std::thread([] { waitForever(); }).join();
+}
+END(deadlock)
+
 FAULT(killsGroup)
 {
     kill(0, SIGKILL);
@@ -311,7 +365,28 @@ FAULT(staticDestructor)
 }
 END(staticDestructor)
 
+/// The clock of everything in this process.
+extern "C" [[gnu::visibility("default")]] std::time_t time(std::time_t* out) noexcept
+{
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME, &now);
+    std::time_t const shown = now.tv_sec + g_clockOffset;
+    return out == nullptr ? shown : *out = shown;
+}
+
+/// Before any test runs, all items are made, so that this is of use for one run only.
+void addCrashingFactory()
+{
+    auto const group = zel::newObj<qix::CTestItemGroup>("crashingFactory");
+    group->addFactory(zel::newObj<CCrashingFactory>());
+    qix::CTestItemGroup::global()->addSubItem(group);
+}
+
 int main(int argc, char** argv)
 {
+    if (std::getenv("SUPERVISED_CRASHING_FACTORY") != nullptr)
+    {
+        addCrashingFactory();
+    }
     return qix::runMain(argc, argv);
 }

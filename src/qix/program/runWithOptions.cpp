@@ -3,6 +3,7 @@
 #include <qix/CTestItemGroup.h>
 
 #include "guards/exitStatus.h"
+#include "guards/posix/runNotes.h"
 #include "planning/CPlannedRun.h"
 #include "planning/CTestSelection.h"
 #include "planning/listTests.h"
@@ -75,6 +76,7 @@ int list(CTestSelection const& selection, RunOptions const& options, std::string
 
 zel::P<CPlannedRunner> makeRunner(RunOptions const& options)
 {
+    CNotedMaking const noted;
     ITestItem* const root = CTestItemGroup::global().get();
     if (options.isSupervised())
     {

@@ -2,6 +2,7 @@
 
 #include <zel/CError.h>
 
+#include "guards/posix/runNotes.h"
 #include "runner/nullItem.h"
 #include "selection/CHashSet.h"
 #include "selection/testIds.h"
@@ -150,12 +151,15 @@ private:
         {
             return;
         }
+        noteTestBegin(textOf(level.components[child]));
         item->getSubItems(m_children);
-        if (!m_children.empty())
+        if (m_children.empty())
         {
-            throwIfInsideItself(index);
-            enter(index, std::exchange(m_children, {}));
+            noteTestEnd();
+            return;
         }
+        throwIfInsideItself(index);
+        enter(index, std::exchange(m_children, {}));
     }
 
     TestNode makeNode(NodeIndex parent, zel::P<ITestItem> item, Component const& component) const
@@ -189,6 +193,7 @@ private:
         {
             m_tree.m_nodes[parent].end = m_tree.size();
             m_path.erase(m_tree.m_nodes[parent].item.get());
+            noteTestEnd();
         }
         m_levels.pop_back();
     }
@@ -197,6 +202,7 @@ private:
     std::vector<Level> m_levels;
     std::vector<zel::P<ITestItem>> m_children;   ///< of the item that is being asked for them
     std::unordered_set<ITestItem const*> m_path; ///< the parents of all levels
+    CNotedMaking const m_noted;
 };
 
 CTestTree::CTestTree(std::vector<zel::P<ITestItem>> const& rootChildren)

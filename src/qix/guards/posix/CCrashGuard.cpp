@@ -110,8 +110,20 @@ void writeAll(int file, std::string_view text) noexcept
     }
 }
 
+void appendMaking(CSignalSafeLine& line, NotedRun const& run) noexcept
+{
+    line.append(" while the children of ");
+    line.appendInLine(run.isRunning ? run.shownPath() : "the root");
+    line.append(run.isCut ? "[...] were made" : " were made");
+}
+
 void appendRunning(CSignalSafeLine& line, NotedRun const& run) noexcept
 {
+    if (run.isMaking)
+    {
+        appendMaking(line, run);
+        return;
+    }
     if (!run.isRunning)
     {
         line.append(" while no test was running");

@@ -30,6 +30,7 @@ std::atomic<pthread_t> g_thread = {};
 std::array<std::atomic<char>, NotedRun::mostBytes> g_path;
 std::array<std::atomic<std::uint16_t>, deepest> g_ends; ///< of the names in the path
 std::atomic<std::size_t> g_depth = 0;
+std::atomic<bool> g_isMaking = false;
 
 std::atomic<std::FILE*> g_log = nullptr;
 std::atomic<int> g_logDescriptor = -1;
@@ -148,10 +149,29 @@ CNotedRun::~CNotedRun()
     }
 }
 
+CNotedMaking::CNotedMaking() noexcept
+    : m_depth(g_depth.load(std::memory_order_relaxed)), m_wasMaking(g_isMaking)
+{
+    if (areRunsOfThisThreadNoted())
+    {
+        g_isMaking = true;
+    }
+}
+
+CNotedMaking::~CNotedMaking()
+{
+    if (areRunsOfThisThreadNoted())
+    {
+        g_isMaking = m_wasMaking;
+        setDepth(m_depth);
+    }
+}
+
 void readNotedRun(NotedRun& run) noexcept
 {
     std::size_t const depth = g_depth.load(std::memory_order_acquire);
     run.isRunning = depth > 0;
+    run.isMaking = g_isMaking;
     run.size = endOfPath(depth);
     run.isCut = run.size == g_path.size() || depth > deepest;
     for (std::size_t i = 0; i < run.size; ++i)

@@ -45,6 +45,20 @@ private:
     std::size_t m_depth;
 };
 
+/// While it lives, what begins is not run: its children are made.
+class CNotedMaking
+{
+public:
+    CNotedMaking() noexcept;
+    CNotedMaking(CNotedMaking const&) = delete;
+    CNotedMaking& operator=(CNotedMaking const&) = delete;
+    ~CNotedMaking();
+
+private:
+    std::size_t m_depth;
+    bool m_wasMaking;
+};
+
 /// What stands in the notes; for handlers of signals.
 struct NotedRun
 {
@@ -53,6 +67,7 @@ struct NotedRun
     std::array<char, mostBytes> path; ///< the names, each but the first behind a dot
     std::size_t size = 0;             ///< of the path; 0 while nothing is running
     bool isRunning = false;
+    bool isMaking = false; ///< the children of what the path names are made
     bool isCut = false;    ///< the path is longer
     int log = -1;          ///< a descriptor; -1 for none
     bool isInLine = false; ///< the log's last line has no end

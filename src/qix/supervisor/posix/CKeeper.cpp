@@ -7,6 +7,7 @@
 #include "supervisor/posix/processTree.h"
 #include "supervisor/posix/processUsage.h"
 #include "supervisor/posix/stackText.h"
+#include "supervisor/posix/threadStacks.h"
 
 #include <csignal>
 #include <cstdio>
@@ -157,11 +158,14 @@ void CKeeper::startWorker()
     m_work.slot.state().isEnding = 0;
     forgetEnding(m_work.slot.state().crash);
     m_reason.clear();
+    m_stacks.clear();
     pid_t const keeper = getpid();
     m_worker = forkPatiently();
     if (m_worker == 0)
     {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
+        // The debugger that the keeper starts may look at this process.
+        prctl(PR_SET_PTRACER, keeper);
         if (getppid() != keeper)
         {
             _exit(exitKeeperLost);
@@ -191,9 +195,15 @@ void CKeeper::superviseWorker()
         }
         else if (isTimeUp())
         {
-            endWorker(describeTimeUp());
+            endTooLong();
         }
     }
+}
+
+void CKeeper::endTooLong()
+{
+    m_stacks = describeThreads(m_worker);
+    endWorker(describeTimeUp());
 }
 
 std::string CKeeper::describeTimeUp() const
@@ -325,14 +335,20 @@ void CKeeper::tellEnd()
     m_work.slot.ring().wakeSupervisor();
 }
 
+/// What the process has noted itself when SIGTERM came, unless a debugger has told of all threads.
+std::string CKeeper::describeStacks() const
+{
+    return m_stacks.empty() ? describeStack(m_work.slot.state().crash) : m_stacks;
+}
+
 void CKeeper::tellDeath()
 {
     SlotState& state = m_work.slot.state();
     CMessageRing& ring = m_work.slot.ring();
     ring.completeTorn();
     CPrintedTeller(m_work).tell();
-    std::string const text = m_reason.empty() ? describeEnding(m_status, state.crash)
-                                              : m_reason + describeStack(state.crash);
+    std::string const text =
+        m_reason.empty() ? describeEnding(m_status, state.crash) : m_reason + describeStacks();
     CMessageWriter message(MessageKind::Died);
     message.add(std::string_view(text));
     if (m_work.options.isIsolated)

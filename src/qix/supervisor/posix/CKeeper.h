@@ -36,11 +36,13 @@ private:
     void reap();
     std::string describeTimeUp() const;
     bool isTimeUp() const;
+    void endTooLong();
     void endWorker(std::string const& reason);
     void awaitEnd(std::chrono::steady_clock::time_point deadline);
     void endAll();
     void endLeftovers();
     void tellEnd();
+    std::string describeStacks() const;
     void tellDeath();
     bool isOrphaned() const noexcept;
 
@@ -52,6 +54,7 @@ private:
     rusage m_usage{};       ///< of the last worker
     bool m_isAsked = false; ///< to end
     std::string m_reason;   ///< why the process was ended by this one
+    std::string m_stacks;   ///< of its threads, before it was ended
 };
 
 } // namespace qix

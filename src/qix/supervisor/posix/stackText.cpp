@@ -1,6 +1,6 @@
 #include "supervisor/posix/stackText.h"
 
-#include "supervisor/posix/CDescriptor.h"
+#include "supervisor/posix/programOutput.h"
 
 #include <algorithm>
 #include <array>
@@ -18,17 +18,16 @@
 
 #include <cxxabi.h>
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <link.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace qix
 {
 
 namespace
 {
+
+/// It reads the debug information of a library.
+constexpr std::chrono::seconds patience(60);
 
 struct Frame
 {
@@ -98,47 +97,6 @@ std::vector<Frame> framesOf(CrashState const& state)
     return frames;
 }
 
-std::string readAll(int descriptor)
-{
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (ssize_t count = read(descriptor, buffer.data(), buffer.size()); count > 0;
-         count = read(descriptor, buffer.data(), buffer.size()))
-    {
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return text;
-}
-
-/// What the program prints, or nothing when it cannot be started.
-std::string outputOf(std::vector<std::string> const& command)
-{
-    std::vector<char*> arguments;
-    arguments.reserve(command.size() + 1);
-    for (std::string const& argument : command)
-    {
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    }
-    arguments.push_back(nullptr);
-    Pipe pipe = makePipe();
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipe.writer.get(), STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t process = 0;
-    bool const isStarted =
-        posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    pipe.writer.reset();
-    if (!isStarted)
-    {
-        return "";
-    }
-    std::string text = readAll(pipe.reader.get());
-    waitpid(process, nullptr, 0);
-    return text;
-}
-
 std::string hexadecimal(std::uintptr_t number)
 {
     std::array<char, 32> text{};
@@ -152,17 +110,19 @@ std::string withoutPlace(Frame const& frame)
            (frame.module.empty() ? "unknown code" : frame.module);
 }
 
-/// The compiler's folder and what it was told of the file are just put together.
+/// The compiler's folder and what it was told of the file are just put together, and behind the
+/// line may stand which of several pieces of its code it is.
 std::string withShortPath(std::string const& line)
 {
     constexpr char const mark[] = " at ";
     std::size_t const path = line.rfind(mark);
-    return path == std::string::npos
-               ? line
-               : line.substr(0, path) + mark +
-                     std::filesystem::path(line.substr(path + sizeof mark - 1))
-                         .lexically_normal()
-                         .string();
+    if (path == std::string::npos)
+    {
+        return line;
+    }
+    std::size_t const begin = path + sizeof mark - 1;
+    std::string const place = line.substr(begin, line.find(" (discriminator ", begin) - begin);
+    return line.substr(0, begin) + std::filesystem::path(place).lexically_normal().string();
 }
 
 /// Asks for all frames of the module at once, since it is read anew each time.
@@ -174,7 +134,7 @@ void findPlaces(std::vector<Frame> const& frames, std::vector<std::size_t> const
                                         "-p",        "-e", frames[wanted.front()].module};
     std::transform(wanted.begin(), wanted.end(), std::back_inserter(command),
                    [&](std::size_t i) { return hexadecimal(frames[i].offset); });
-    std::istringstream output(outputOf(command));
+    std::istringstream output(programOutput(command, patience));
     for (std::size_t const i : wanted)
     {
         std::string line;
