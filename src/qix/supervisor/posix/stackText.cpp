@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -125,21 +126,45 @@ std::string withShortPath(std::string const& line)
     return line.substr(0, begin) + std::filesystem::path(place).lexically_normal().string();
 }
 
+/// A text for each address, which may be empty. A function into which others were put has a line
+/// for each of them.
+std::vector<std::string> readPlaces(std::istream& output)
+{
+    constexpr std::string_view inlined = " (inlined by) ";
+    std::vector<std::string> places;
+    for (std::string line; std::getline(output, line);)
+    {
+        std::size_t const address = line.rfind("0x", 0) == 0 ? line.find(": ") : line.npos;
+        if (address != line.npos)
+        {
+            std::string const place = line.substr(address + 2);
+            bool const isKnown = place.find("??") == place.npos;
+            places.push_back(isKnown ? withShortPath(place) : "");
+        }
+        else if (!places.empty() && line.rfind(inlined, 0) == 0)
+        {
+            places.back() += "\n    " + withShortPath(line.substr(inlined.size()));
+        }
+    }
+    return places;
+}
+
 /// Asks for all frames of the module at once, since it is read anew each time.
+///
 /// \param wanted  indices of those frames
 void findPlaces(std::vector<Frame> const& frames, std::vector<std::size_t> const& wanted,
                 std::vector<std::string>& lines)
 {
-    std::vector<std::string> command = {"addr2line", "-f", "-C",
-                                        "-p",        "-e", frames[wanted.front()].module};
+    std::vector<std::string> command = {"addr2line", "-a", "-f", "-C",
+                                        "-i",        "-p", "-e", frames[wanted.front()].module};
     std::transform(wanted.begin(), wanted.end(), std::back_inserter(command),
                    [&](std::size_t i) { return hexadecimal(frames[i].offset); });
     std::istringstream output(programOutput(command, patience));
-    for (std::size_t const i : wanted)
+    std::vector<std::string> const places = readPlaces(output);
+    for (std::size_t n = 0; n < wanted.size(); ++n)
     {
-        std::string line;
-        bool const isKnown = std::getline(output, line) && line.find("??") == std::string::npos;
-        lines[i] = isKnown ? withShortPath(line) : withoutPlace(frames[i]);
+        bool const isKnown = n < places.size() && !places[n].empty();
+        lines[wanted[n]] = isKnown ? places[n] : withoutPlace(frames[wanted[n]]);
     }
 }
 
