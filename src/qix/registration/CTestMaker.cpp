@@ -3,6 +3,7 @@
 #include "guards/posix/CForkLock.h"
 #include "registration/CGroupRun.h"
 #include "testing/CTestContext.h"
+#include "testing/infos.h"
 
 #include <cstddef>
 #include <memory_resource>
@@ -41,11 +42,27 @@ protected:
     void setUp() override { CGroupRun::prepareTest(); }
 };
 
-/// A test whose body is a function.
+/// A test whose body is a function. It has no hooks of its own, so that there are fewer steps.
 class CFunctionTest : public CArenaTest
 {
 public:
     explicit CFunctionTest(RegisteredFunction const& test) : CArenaTest(test), m_body(test.body) {}
+
+    void run(ITestRunner* runner) override
+    {
+        CTestMaker::forgetLog(*this);
+        CHiddenInfos const hidden;
+        CTestContext run(*this, runner);
+        run.runPasses(
+            [&]
+            {
+                if (run.tryStep("setUp", [] { CGroupRun::prepareTest(); }))
+                {
+                    run.tryStep("the body", m_body);
+                }
+            });
+        run.finish();
+    }
 
 protected:
     void body() override { m_body(); }
@@ -100,6 +117,11 @@ void CTestMaker::locate(CTestItem& item, RegisteredTest const& test) noexcept
 {
     item.m_file = test.file;
     item.m_line = test.line;
+}
+
+void CTestMaker::forgetLog(CTestItem& item) noexcept
+{
+    item.m_logLines.clear();
 }
 
 void CTestMaker::callAs(CTestItem const& test, CTestItem& object)

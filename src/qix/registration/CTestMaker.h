@@ -17,6 +17,9 @@ public:
     /// Tells the item where the test is written.
     static void locate(CTestItem& item, RegisteredTest const& test) noexcept;
 
+    /// Forgets what an earlier run has recorded.
+    static void forgetLog(CTestItem& item) noexcept;
+
     /// Gives the object that is made for a run of the test what is known of the test.
     static void callAs(CTestItem const& test, CTestItem& object);
 };

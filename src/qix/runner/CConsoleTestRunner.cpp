@@ -71,6 +71,18 @@ void printProgress(char character)
     std::fflush(stdout);
 }
 
+void printPassed()
+{
+    constexpr char mark = '.';
+    if (*consoleColors.passed == '\0')
+    {
+        printProgress(mark);
+        return;
+    }
+    std::printf("%s%c%s", consoleColors.passed, mark, consoleColors.none);
+    std::fflush(stdout);
+}
+
 /// Prints the header of an item with children. Asking for the children makes those of a group
 /// that are pending, so that the filters see them.
 /// \return  whether there are any
@@ -371,10 +383,7 @@ void CConsoleTestRunner::endSubTest_Success()
 {
     if (m_running.back().duration != ITestItem::None)
     {
-        std::fputs(consoleColors.passed, stdout);
-        std::putchar('.');
-        std::fputs(consoleColors.none, stdout);
-        std::fflush(stdout);
+        printPassed();
     }
     doTestGroupFinishLogging("-> ok");
     noteEnding(this, m_running.size(), TestOutcome::Ok);

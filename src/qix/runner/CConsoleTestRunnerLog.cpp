@@ -28,7 +28,6 @@ void CConsoleTestRunner::logNoIndent(std::string const& s)
     if (m_log != nullptr)
     {
         std::fputs(s.c_str(), m_log);
-        std::fflush(m_log);
         noteLogText(m_log, s);
     }
 }

@@ -5,6 +5,7 @@
 #include "model/outcomes.h"
 #include "testing/CSections.h"
 #include "testing/infos.h"
+#include "testing/leftByStep.h"
 #include "testing/pendingFailures.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
@@ -18,6 +19,8 @@
 namespace qix
 {
 
+__thread LeftByStep leftByStep = {};
+
 namespace
 {
 
@@ -26,7 +29,7 @@ namespace
 std::mutex runsMutex;
 CForkLock const runsLockedWhileForking(runsMutex);
 CTestContext* innermostOfProcess = nullptr;
-thread_local CTestContext* innermostOfThread = nullptr;
+__thread CTestContext* innermostOfThread __attribute__((tls_model("initial-exec"))) = nullptr;
 
 /// A check in a loop can fail any number of times.
 constexpr std::size_t listedFailures = 100;
@@ -264,24 +267,13 @@ void CTestContext::noteLocked(CheckFailure failure)
     ++m_failureCount;
 }
 
-bool CTestContext::tryStep(char const* name, detail::CFunctionRef step)
+QIX_CATCHES_FORCED_UNWIND bool CTestContext::tryStep(char const* name, detail::CFunctionRef step)
 {
-    std::size_t const outer = countPendingFailures();
-    bool const hasReturned = catchAll(name, step);
-    notePendingFailures(outer);
-    forgetLeftInfos();
-    if (m_ownSections != nullptr)
-    {
-        m_ownSections->endCut();
-    }
-    return hasReturned;
-}
-
-QIX_CATCHES_FORCED_UNWIND bool CTestContext::catchAll(char const* name, detail::CFunctionRef step)
-{
+    std::size_t const outer = leftByStep.pendingFailures;
+    bool hasReturned = false;
     try
     {
-        return catchOutcome(
+        hasReturned = catchOutcome(
             [step]
             {
                 CForkGuard const guard;
@@ -303,7 +295,25 @@ QIX_CATCHES_FORCED_UNWIND bool CTestContext::catchAll(char const* name, detail::
         CTestContext& owner = ownerOfException();
         owner.noteThrown(owner.nameOfStep(name), currentExceptionText());
     }
-    return false;
+    tidyUpAfterStep(outer);
+    return hasReturned;
+}
+
+/// \param outer  how many failures had no end of their message in front of the step
+void CTestContext::tidyUpAfterStep(std::size_t outer)
+{
+    if (leftByStep.pendingFailures > outer)
+    {
+        notePendingFailures(outer);
+    }
+    if (leftByStep.infos > 0)
+    {
+        forgetLeftInfos();
+    }
+    if (m_ownSections != nullptr)
+    {
+        m_ownSections->endCut();
+    }
 }
 
 /// An exception that has left a section belongs to the section.

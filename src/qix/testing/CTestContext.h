@@ -133,7 +133,7 @@ private:
     static CTestContext* current() noexcept;
     static CTestContext* withObject(CTestItem const* object) noexcept;
 
-    bool catchAll(char const* name, detail::CFunctionRef step);
+    void tidyUpAfterStep(std::size_t outer);
     void endFailedSubTest(CTestContext const& subTest);
     CTestContext& ownerOfException() noexcept;
     char const* nameOfStep(char const* name) const noexcept;

@@ -6,6 +6,7 @@
 #include "testing/CTestContext.h"
 #include "testing/capturedText.h"
 #include "testing/infos.h"
+#include "testing/leftByStep.h"
 #include "testing/pendingFailures.h"
 
 #include <memory>
@@ -70,6 +71,7 @@ public:
     CPendingFailure& begin(CheckFailure failure)
     {
         m_failures.push_back(std::make_unique<CPendingFailure>(std::move(failure)));
+        leftByStep.pendingFailures = m_failures.size();
         return *m_failures.back();
     }
 
@@ -82,10 +84,9 @@ public:
         }
         CheckFailure failure = m_failures[i]->complete();
         m_failures.erase(m_failures.begin() + static_cast<std::ptrdiff_t>(i));
+        leftByStep.pendingFailures = m_failures.size();
         return failure;
     }
-
-    std::size_t count() const noexcept { return m_failures.size(); }
 
     void noteFrom(std::size_t first)
     {
@@ -94,6 +95,7 @@ public:
             CTestContext::noteInCurrent(m_failures[i]->complete());
         }
         m_failures.resize(first);
+        leftByStep.pendingFailures = first;
     }
 
 private:
@@ -115,11 +117,6 @@ void noteOrThrow(CheckFailure failure)
 }
 
 } // namespace
-
-std::size_t countPendingFailures() noexcept
-{
-    return pendingFailures.count();
-}
 
 void notePendingFailures(std::size_t outer)
 {

@@ -2,6 +2,7 @@
 
 #include <qix/detail/info.h>
 
+#include "testing/leftByStep.h"
 #include "text/forcedUnwind.h"
 
 #include <algorithm>
@@ -118,7 +119,11 @@ std::string infosOfThisThread()
 
 void forgetLeftInfos() noexcept
 {
-    leftTexts.clear();
+    if (leftByStep.infos > 0)
+    {
+        leftTexts.clear();
+        leftByStep.infos = 0;
+    }
 }
 
 CHiddenInfos::CHiddenInfos() noexcept : m_hidden(std::exchange(innermost, nullptr))
@@ -152,6 +157,7 @@ CInfoScope::~CInfoScope()
         {
             CTelling const telling;
             leftTexts.push_back(makeText());
+            leftByStep.infos = leftTexts.size();
         }
         catch (std::exception const&)
         {

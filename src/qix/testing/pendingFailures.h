@@ -5,9 +5,6 @@
 namespace qix
 {
 
-/// How many failures on this thread have begun a message and not ended it.
-std::size_t countPendingFailures() noexcept;
-
 /// Notes the failures on this thread whose messages were left by exceptions: all but the \p outer
 /// ones, whose messages are still being made. Those that nobody can note, since no test is running,
 /// are dropped.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "guards/posix/processGeneration.h"
+
 namespace qix
 {
 
@@ -8,12 +10,22 @@ namespace qix
 class CForkGuard
 {
 public:
-    CForkGuard() noexcept;
-    ~CForkGuard();
+    CForkGuard() noexcept : m_generation(processGeneration()) {}
+
+    ~CForkGuard()
+    {
+        if (processGeneration() != m_generation)
+        {
+            endProcess();
+        }
+    }
+
     CForkGuard(CForkGuard const&) = delete;
     CForkGuard& operator=(CForkGuard const&) = delete;
 
 private:
+    [[noreturn]] static void endProcess() noexcept;
+
     unsigned m_generation;
 };
 

@@ -1,6 +1,5 @@
 #include "guards/posix/processGeneration.h"
 
-#include <atomic>
 #include <new>
 
 #include <pthread.h>
@@ -13,18 +12,16 @@ namespace qix
 namespace
 {
 
-/// The number of a process, or 0 where it has none yet.
 using Generation = std::atomic<unsigned>;
 
 Generation generationWithoutPage = 0;
-Generation* generation = &generationWithoutPage;
 
 /// The last number that this process or an ancestor has taken.
 std::atomic<unsigned> lastTaken = 0;
 
 void forgetGeneration() noexcept
 {
-    *generation = 0;
+    *detail::processGeneration = 0;
 }
 
 /// A page that the kernel fills with zeros in each child; null where it cannot.
@@ -53,7 +50,7 @@ struct ForksNoticedFromLoadOn
     {
         if (void* const page = makePageWipedOnFork())
         {
-            generation = new (page) Generation(0);
+            detail::processGeneration = new (page) Generation(0);
         }
         pthread_atfork(nullptr, nullptr, &forgetGeneration);
     }
@@ -63,19 +60,19 @@ ForksNoticedFromLoadOn const forksNoticedFromLoadOn;
 
 } // namespace
 
-unsigned processGeneration() noexcept
+namespace detail
 {
-    unsigned number = generation->load();
-    if (number == 0)
-    {
-        // Taken before it is shown, so that no child takes it, too.
-        unsigned const next = ++lastTaken;
-        if (generation->compare_exchange_strong(number, next))
-        {
-            number = next;
-        }
-    }
-    return number;
+
+std::atomic<unsigned>* processGeneration = &generationWithoutPage;
+
+unsigned takeProcessGeneration() noexcept
+{
+    // Taken before it is shown, so that no child takes it, too.
+    unsigned const next = ++lastTaken;
+    unsigned number = 0;
+    return processGeneration->compare_exchange_strong(number, next) ? next : number;
 }
+
+} // namespace detail
 
 } // namespace qix

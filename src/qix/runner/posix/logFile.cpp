@@ -169,6 +169,11 @@ std::FILE* openLogFile(char const* name)
 {
     std::string const path = pathOfLog(name);
     std::FILE* const log = protections > 0 ? openProtected(path) : std::fopen(path.c_str(), "w");
+    if (log != nullptr)
+    {
+        // Each text leaves the process at once; in a buffer it would only stop over.
+        std::setvbuf(log, nullptr, _IONBF, 0);
+    }
     noteOpenLog(log);
     noteLogOpened(log);
     return log;
