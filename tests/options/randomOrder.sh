@@ -19,6 +19,7 @@ levels=(-O0 -O3)
 for i in "${!compilers[@]}"; do
     "${compilers[i]}" -std=c++17 "${levels[i]}" "-I$room" "$source/tests/options/randomOrder.cpp" \
         "$room"/selection/{CTestTree,testIds,testOrder}.cpp "$room"/text/{utf8,decodedText}.cpp \
+        "$room"/guards/posix/runNotes.cpp \
         "$@" -o "$folder/program"
     "$folder/program" | diff "$source/tests/options/randomOrder.txt" -
 done

@@ -25,8 +25,9 @@ WATCHED = [
     ("-fsanitize=address", [], "leak", "LeakSanitizer: detected memory leaks", 2, 0),
     ("-fsanitize=undefined", [], "overflow", "runtime error: signed integer overflow", 0, 0),
     ("-fsanitize=thread", [], "race", "ThreadSanitizer: data race", 2, 0),
-    ("-g", ["valgrind", "--error-exitcode=9"], "uninitialised",
-     "Conditional jump or move depends on uninitialised value", 2, 0),
+    ("-g",
+     ["valgrind", "--error-exitcode=9", f"--suppressions={HERE.parent / 'valgrind.supp'}"],
+     "uninitialised", "Conditional jump or move depends on uninitialised value", 2, 0),
 ]
 
 
