@@ -1,5 +1,6 @@
 // One test for each type, and one for each value.
 
+#include <qix/combine.h>
 #include <qix/test.h>
 
 #include <cmath>

@@ -1,5 +1,6 @@
 // Tests for types and for values; what is tested are numbers, containers and their limits.
 
+#include <qix/combine.h>
 #include <qix/test.h>
 
 #include <algorithm>

@@ -28,6 +28,7 @@
 #include <qix/TestInfo.h>
 #include <qix/TestOutcome.h>
 #include <qix/approx.h>
+#include <qix/combine.h>
 #include <qix/export.h>
 #include <qix/hidden.h>
 #include <qix/main.h>

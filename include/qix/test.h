@@ -229,11 +229,11 @@
 /// \def QIX_TEST_EACH(group, name, values, attributes...)
 /// Defines one test for each value of a range, which the body sees as \p param.
 ///
-/// The range is an expression: a variable, qix::values(1, 2, 3), qix::combine(range, range), or the
-/// call of a function. It is evaluated once, when the group is first asked for its tests; what it
-/// throws fails a test of that name. The values live as long as the program. A test is called after
-/// its value, `name[3]`, where that is written as text of at most 60 bytes, and otherwise by its
-/// number from 1, `name[#3]`; then its failures show the value.
+/// The range is an expression: a variable, qix::values(1, 2, 3), qix::combine(range, range) of
+/// qix/combine.h, or the call of a function. It is evaluated once, when the group is first asked
+/// for its tests; what it throws fails a test of that name. The values live as long as the program.
+/// A test is called after its value, `name[3]`, where that is written as text of at most 60 bytes,
+/// and otherwise by its number from 1, `name[#3]`; then its failures show the value.
 #define QIX_TEST_EACH(group, name, values, ...)                                                    \
     QIX_DETAIL_TEST_EACH(QIX_DETAIL_JOIN(QixTest_, __COUNTER__), #group, #name, values,            \
                          QIX_DETAIL_ATTRIBUTES(, ##__VA_ARGS__))

@@ -50,7 +50,7 @@ PUBLIC = {
                'matchers/combinations', 'matchers/containers', 'matchers/numbers',
                'matchers/objects', 'matchers/texts'],
     'registration': ['attributes', 'detail/each', 'detail/groupFixture', 'detail/registration',
-                     'detail/typed', 'groupFixture', 'values'],
+                     'detail/typed', 'groupFixture', 'combine', 'values'],
     'support': ['CTestFolder', 'secret', 'util'],
     'program': ['main'],
 }

@@ -4,12 +4,11 @@
 #include <qix/detail/describe.h>
 #include <qix/detail/narrowText.h>
 #include <qix/detail/registration.h>
+#include <zel/CBase.h>
+#include <zel/P.h>
 
 #include <cstddef>
-#include <iterator>
-#include <memory>
 #include <string>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -21,11 +20,28 @@ template <typename Values>
 using EachReference = decltype(*std::begin(Values::get()));
 
 /// What the body gets of each value. What an iterator makes on the way is kept as a value.
+template <typename Iterator, typename Reference>
+struct ParamOf
+{
+    using Type = typename Iterator::value_type;
+};
+template <typename Iterator, typename T>
+struct ParamOf<Iterator, T&>
+{
+    using Type = std::remove_cv_t<T>;
+};
 template <typename Values>
-using EachParam = std::conditional_t<
-    std::is_lvalue_reference_v<EachReference<Values>>,
-    std::remove_cv_t<std::remove_reference_t<EachReference<Values>>>,
-    typename std::iterator_traits<std::decay_t<decltype(std::begin(Values::get()))>>::value_type>;
+using EachParam = typename ParamOf<std::decay_t<decltype(std::begin(Values::get()))>,
+                                   EachReference<Values>>::Type;
+
+/// A value that no range holds.
+template <typename Param>
+struct KeptParam : zel::CBase
+{
+    explicit KeptParam(Param const& v) : value(v) {}
+
+    Param value;
+};
 
 /// True for what is written as the same text in each run.
 template <typename T>
@@ -74,7 +90,7 @@ template <typename Values, typename Make>
 void listEach(CTestList& list, Make* make)
 {
     static auto&& range = Values::get();
-    static std::vector<std::unique_ptr<EachParam<Values> const>> kept;
+    static std::vector<zel::P<KeptParam<EachParam<Values>>>> kept;
     std::size_t number = 0;
     for (auto&& value : range)
     {
@@ -85,8 +101,8 @@ void listEach(CTestList& list, Make* make)
         }
         else
         {
-            kept.push_back(std::make_unique<EachParam<Values> const>(value));
-            addEach(list, number, *kept.back(), make);
+            kept.push_back(zel::newObj<KeptParam<EachParam<Values>>>(value));
+            addEach<EachParam<Values>>(list, number, kept.back()->value, make);
         }
     }
 }
@@ -103,16 +119,18 @@ CTestItem* makeEach(void const* param)
     return new Test(*static_cast<typename Test::Param const*>(param));
 }
 
+/// Lists a test for each value: a function of the class, or an object where it has a fixture.
 template <typename Test, typename Values>
-void listEachBody(CTestList& list)
+void listEachTest(CTestList& list)
 {
-    listEach<Values>(list, &callEach<Test>);
-}
-
-template <typename Test, typename Values>
-void listEachFixture(CTestList& list)
-{
-    listEach<Values>(list, &makeEach<Test>);
+    if constexpr (std::is_base_of_v<CTestItem, Test>)
+    {
+        listEach<Values>(list, &makeEach<Test>);
+    }
+    else
+    {
+        listEach<Values>(list, &callEach<Test>);
+    }
 }
 
 } // namespace qix::detail

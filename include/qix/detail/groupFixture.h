@@ -1,8 +1,9 @@
 #pragma once
 
 #include <qix/export.h>
+#include <zel/CBase.h>
+#include <zel/P.h>
 
-#include <memory>
 #include <utility>
 
 namespace qix::detail
@@ -28,14 +29,14 @@ class TGroupFixture
 public:
     static void make()
     {
-        auto made = std::make_unique<Made>();
+        auto made = zel::newObj<Made>();
         made->outer = std::move(s_innermost);
         s_innermost = std::move(made);
     }
 
     static void release()
     {
-        std::unique_ptr<Made> const released = std::move(s_innermost);
+        zel::P<Made> const released = std::move(s_innermost);
         s_innermost = std::move(released->outer);
     }
 
@@ -49,13 +50,13 @@ public:
     }
 
 private:
-    struct Made
+    struct Made : zel::CBase
     {
         T object = T();
-        std::unique_ptr<Made> outer = nullptr;
+        zel::P<Made> outer = nullptr;
     };
 
-    static inline std::unique_ptr<Made> s_innermost;
+    static inline zel::P<Made> s_innermost;
 };
 
 } // namespace qix::detail

@@ -175,13 +175,14 @@
     }                                                                                              \
     void Test::body()
 
-#define QIX_DETAIL_TEST_TYPED(Test, group, name, types, ...)                                       \
+// In these, Members are what the class of the test consists of beside its base.
+#define QIX_DETAIL_TYPED(Test, Base, Members, group, name, types, ...)                             \
     namespace                                                                                      \
     {                                                                                              \
     template <typename TypeParam>                                                                  \
-    struct Test : ::qix::CTestScope                                                                \
+    struct Test : Base                                                                             \
     {                                                                                              \
-        static void body();                                                                        \
+        Members                                                                                    \
     };                                                                                             \
     ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
         __FILE__, __LINE__, group, name,                                                           \
@@ -191,57 +192,40 @@
     template <typename TypeParam>                                                                  \
     void Test<TypeParam>::body()
 
-#define QIX_DETAIL_TEST_TYPED_F(Test, Fixture, group, name, types, ...)                            \
-    namespace                                                                                      \
-    {                                                                                              \
-    template <typename TypeParam>                                                                  \
-    struct Test : Fixture<TypeParam>                                                               \
-    {                                                                                              \
-        void body() override;                                                                      \
-    };                                                                                             \
-    ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
-        __FILE__, __LINE__, group, name,                                                           \
-        &::qix::detail::listTypedFixtures<Test, QIX_DETAIL_WITHOUT_PARENTHESES types>, #types,     \
-        __VA_ARGS__);                                                                              \
-    }                                                                                              \
-    template <typename TypeParam>                                                                  \
-    void Test<TypeParam>::body()
-
-#define QIX_DETAIL_TEST_EACH(Test, group, name, values, ...)                                       \
+#define QIX_DETAIL_EACH(Test, Base, Members, group, name, values, ...)                             \
     namespace                                                                                      \
     {                                                                                              \
     struct QIX_DETAIL_JOIN(Test, Values)                                                           \
     {                                                                                              \
         static decltype(auto) get() { return (values); }                                           \
     };                                                                                             \
-    struct Test : ::qix::CTestScope                                                                \
+    struct Test : Base                                                                             \
     {                                                                                              \
         using Param = ::qix::detail::EachParam<QIX_DETAIL_JOIN(Test, Values)>;                     \
-        static void body(Param const& param);                                                      \
+        Members                                                                                    \
     };                                                                                             \
     ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
         __FILE__, __LINE__, group, name,                                                           \
-        &::qix::detail::listEachBody<Test, QIX_DETAIL_JOIN(Test, Values)>, nullptr, __VA_ARGS__);  \
-    }                                                                                              \
+        &::qix::detail::listEachTest<Test, QIX_DETAIL_JOIN(Test, Values)>, nullptr, __VA_ARGS__);  \
+    }
+
+#define QIX_DETAIL_TEST_TYPED(Test, ...)                                                           \
+    QIX_DETAIL_TYPED(Test, ::qix::CTestScope, static void body();, __VA_ARGS__)
+
+#define QIX_DETAIL_TEST_TYPED_F(Test, Fixture, ...)                                                \
+    QIX_DETAIL_TYPED(Test, Fixture<TypeParam>, void body() override;, __VA_ARGS__)
+
+#define QIX_DETAIL_TEST_EACH(Test, ...)                                                            \
+    QIX_DETAIL_EACH(Test, ::qix::CTestScope, static void body(Param const& param);, __VA_ARGS__)   \
     void Test::body([[maybe_unused]] Param const& param)
 
-#define QIX_DETAIL_TEST_EACH_F(Test, Fixture, group, name, values, ...)                            \
-    namespace                                                                                      \
+#define QIX_DETAIL_EACH_MEMBERS(Test)                                                              \
+    explicit Test(Param const& value) : param(value)                                               \
     {                                                                                              \
-    struct QIX_DETAIL_JOIN(Test, Values)                                                           \
-    {                                                                                              \
-        static decltype(auto) get() { return (values); }                                           \
-    };                                                                                             \
-    struct Test : Fixture                                                                          \
-    {                                                                                              \
-        using Param = ::qix::detail::EachParam<QIX_DETAIL_JOIN(Test, Values)>;                     \
-        explicit Test(Param const& value) : param(value) {}                                        \
-        void body() override;                                                                      \
-        Param const& param;                                                                        \
-    };                                                                                             \
-    ::qix::detail::CRegistration const QIX_DETAIL_JOIN(Test, Registration)(                        \
-        __FILE__, __LINE__, group, name,                                                           \
-        &::qix::detail::listEachFixture<Test, QIX_DETAIL_JOIN(Test, Values)>, nullptr,             \
-        __VA_ARGS__);                                                                              \
     }                                                                                              \
+    void body() override;                                                                          \
+    Param const& param;
+
+#define QIX_DETAIL_TEST_EACH_F(Test, Fixture, ...)                                                 \
+    QIX_DETAIL_EACH(Test, Fixture, QIX_DETAIL_EACH_MEMBERS(Test), __VA_ARGS__)                     \
     void Test::body()

@@ -4,9 +4,9 @@
 #include <qix/detail/logLine.h>
 #include <qix/detail/narrowText.h>
 #include <qix/export.h>
+#include <zel/P.h>
 
 #include <iosfwd>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -52,7 +52,7 @@ public:
     std::string written() const;
 
 private:
-    std::unique_ptr<CMessageStream> m_stream;
+    zel::P<CMessageStream> m_stream;
 };
 
 /// True for numbers that a stream can write; bytes are among them.

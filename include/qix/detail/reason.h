@@ -4,7 +4,6 @@
 #include <qix/detail/message.h>
 
 #include <iosfwd>
-#include <memory>
 
 namespace qix::detail
 {
@@ -41,9 +40,9 @@ public:
 
     [[noreturn]] void skip() const
     {
-        if (m_message != nullptr)
+        if (m_hasMore)
         {
-            skipWithBytes(m_message->written());
+            skipWithBytes(m_message.written());
         }
         if constexpr (std::is_void_v<T>)
         {
@@ -57,9 +56,9 @@ public:
 
     [[noreturn]] void abort() const
     {
-        if (m_message != nullptr)
+        if (m_hasMore)
         {
-            abortWithBytes(m_message->written());
+            abortWithBytes(m_message.written());
         }
         if constexpr (std::is_void_v<T>)
         {
@@ -74,19 +73,17 @@ public:
 private:
     CMessageWriter& message()
     {
-        if (m_message == nullptr)
+        if constexpr (!std::is_void_v<T>)
         {
-            m_message = std::make_unique<CMessageWriter>();
-            if constexpr (!std::is_void_v<T>)
-            {
-                writeMessage(*m_message, *m_first);
-            }
+            m_hasMore ? void() : writeMessage(m_message, *m_first);
         }
-        return *m_message;
+        m_hasMore = true;
+        return m_message;
     }
 
     T const* m_first;
-    std::unique_ptr<CMessageWriter> m_message = nullptr; ///< null when nothing follows
+    CMessageWriter m_message = {};
+    bool m_hasMore = false; ///< something follows
 };
 
 inline TReason<void> makeReason() noexcept

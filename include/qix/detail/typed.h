@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <type_traits>
 
 namespace qix::detail
 {
@@ -23,20 +24,20 @@ CTestItem* makeTyped(void const* /*param*/)
     return new Test;
 }
 
-/// Lists a test for each of the types.
+/// Lists a test for each of the types: a function of the class, or an object where it has a
+/// fixture.
 template <template <typename> class Test, typename... Type>
 void listTyped(CTestList& list)
 {
     std::size_t number = 0;
-    (list.add(nameOfType(list.getTypes(), number++), "", &callTyped<Test<Type>>, nullptr), ...);
-}
-
-/// \copydoc listTyped
-template <template <typename> class Test, typename... Type>
-void listTypedFixtures(CTestList& list)
-{
-    std::size_t number = 0;
-    (list.add(nameOfType(list.getTypes(), number++), "", &makeTyped<Test<Type>>, nullptr), ...);
+    if constexpr ((std::is_base_of_v<CTestItem, Test<Type>> && ...))
+    {
+        (list.add(nameOfType(list.getTypes(), number++), "", &makeTyped<Test<Type>>, nullptr), ...);
+    }
+    else
+    {
+        (list.add(nameOfType(list.getTypes(), number++), "", &callTyped<Test<Type>>, nullptr), ...);
+    }
 }
 
 } // namespace qix::detail

@@ -1,4 +1,5 @@
 #include <qix/detail/message.h>
+#include <zel/CBase.h>
 #include <zel/String.h>
 
 #include "text/describeSafely.h"
@@ -16,7 +17,7 @@ constexpr std::streamsize defaultPrecision = 6;
 
 } // namespace
 
-class CMessageStream : public std::ostringstream
+class CMessageStream : public std::ostringstream, public zel::CBase
 {
 public:
     /// Writes as many digits as tell the number from all others, unless asked for something else.
@@ -36,7 +37,7 @@ public:
     }
 };
 
-CMessageWriter::CMessageWriter() : m_stream(std::make_unique<CMessageStream>())
+CMessageWriter::CMessageWriter() : m_stream(zel::newObj<CMessageStream>())
 {
     *m_stream << std::boolalpha;
 }

@@ -1,5 +1,6 @@
 // Macros that define a test for each type, or for each value.
 
+#include <qix/combine.h>
 #include <qix/test.h>
 
 #include <list>
