@@ -20,23 +20,24 @@ public:
     CFailedCheck(CFailedCheck const&) = delete;
     CFailedCheck& operator=(CFailedCheck const&) = delete;
 
+    // The && lets those stand back by which a user writes to whatever stream there is.
     template <typename T>
-    CFailedCheck& operator<<(T const& value)
+    CFailedCheck&& operator<<(T const& value) &&
     {
         writeMessage(message(), value);
-        return *this;
+        return static_cast<CFailedCheck&&>(*this);
     }
 
-    CFailedCheck& operator<<(std::ostream& (*manipulator)(std::ostream&))
+    CFailedCheck&& operator<<(std::ostream& (*manipulator)(std::ostream&)) &&
     {
         message().manipulate(manipulator);
-        return *this;
+        return static_cast<CFailedCheck&&>(*this);
     }
 
-    CFailedCheck& operator<<(std::ios_base& (*manipulator)(std::ios_base&))
+    CFailedCheck&& operator<<(std::ios_base& (*manipulator)(std::ios_base&)) &&
     {
         message().manipulate(manipulator);
-        return *this;
+        return static_cast<CFailedCheck&&>(*this);
     }
 
 protected:
@@ -49,7 +50,7 @@ private:
 
 /// Begins to tell of a failure, with what its check has kept. One of the operators below ends it.
 /// \param check  the source text of the check; null for a message without one
-QIX_EXPORT CFailedCheck& failedCheck(char const* file, int line, char const* check);
+QIX_EXPORT CFailedCheck&& failedCheck(char const* file, int line, char const* check);
 
 // What a check does when its message is complete, for which & binds less tightly than <<.
 enum NotesFailure
@@ -62,9 +63,9 @@ enum EndsTest
 };
 
 /// Notes the failure. Throws when no test is running.
-QIX_EXPORT void operator&(NotesFailure, CFailedCheck& failed);
+QIX_EXPORT void operator&(NotesFailure, CFailedCheck&& failed);
 
 /// Notes the failure, and leaves the test.
-[[noreturn]] QIX_EXPORT void operator&(EndsTest, CFailedCheck& failed);
+[[noreturn]] QIX_EXPORT void operator&(EndsTest, CFailedCheck&& failed);
 
 } // namespace qix::detail

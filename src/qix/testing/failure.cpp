@@ -139,18 +139,19 @@ CMessageWriter& CFailedCheck::message()
     return static_cast<CPendingFailure&>(*this).message();
 }
 
-CFailedCheck& failedCheck(char const* file, int line, char const* check)
+CFailedCheck&& failedCheck(char const* file, int line, char const* check)
 {
-    return pendingFailures.begin({file, line, check == nullptr ? "" : check, takeCapturedText()});
+    return std::move(
+        pendingFailures.begin({file, line, check == nullptr ? "" : check, takeCapturedText()}));
 }
 
-void operator&(NotesFailure, CFailedCheck& failed)
+void operator&(NotesFailure, CFailedCheck&& failed)
 {
     noteOrThrow(pendingFailures.end(failed));
     forgetLeftInfos();
 }
 
-void operator&(EndsTest, CFailedCheck& failed)
+void operator&(EndsTest, CFailedCheck&& failed)
 {
     CheckFailure const failure = pendingFailures.end(failed);
     noteOrThrow(failure);
