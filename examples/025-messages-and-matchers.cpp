@@ -3,6 +3,7 @@
 #include <qix/matchers.h>
 #include <qix/test.h>
 
+#include <exception>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -40,6 +41,20 @@ QIX_TEST(telling, infos)
         QIX_CHECK(number % 2 == 1);
     }
     open("primes.txt");
+}
+
+// What is thrown inside of another exception is told below it.
+QIX_TEST(telling, exceptions)
+{
+    QIX_CHECK(!primes.empty());
+    try
+    {
+        open("primes.txt");
+    }
+    catch (std::exception const&)
+    {
+        std::throw_with_nested(std::logic_error("cannot count the primes"));
+    }
 }
 
 QIX_TEST(telling, thrownMessages)

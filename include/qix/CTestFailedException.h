@@ -22,6 +22,10 @@ public:
     /// \param failures  what failed: all of it, or the first ones; at least one
     /// \param count     how many failures there were, when not all of them are given
     explicit CTestFailedException(std::vector<CheckFailure> const& failures, std::size_t count = 0);
+
+    /// \param text      what failed, in bytes that are shown as they are
+    /// \param failures  the same as data; at least one
+    CTestFailedException(std::string const& text, std::vector<CheckFailure> const& failures);
     ~CTestFailedException() override;
 
     /// The text given, unchanged, or that of the failures; getMessage() has it decoded.

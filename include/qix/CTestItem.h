@@ -57,7 +57,8 @@ public:
 
     /// Forgets the lines of an earlier run and performs the test, as the class tells. Returns for
     /// success and throws otherwise: CTestFailedException when checks failed or several things
-    /// went wrong, and what the test threw when that was all.
+    /// went wrong, and what the test threw when that was all. Of a test with a location, that is
+    /// nested in a CTestFailedException which tells the location and the type as well.
     void run(ITestRunner* runner) override;
 
     /// Leaves \p out empty.

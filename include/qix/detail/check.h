@@ -7,7 +7,6 @@
 #include <qix/export.h>
 
 #include <cstddef>
-#include <memory>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -122,6 +121,7 @@ constexpr bool isNumberWithPointer = std::is_integral_v<L>&& isAnyPointer<R>;
 // Numbers are compared as the caller wrote them, whatever warnings are on.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wfloat-equal"
+#pragma GCC diagnostic ignored "-Wdouble-promotion"
 #pragma GCC diagnostic ignored "-Wsign-compare"
 #pragma GCC diagnostic ignored "-Wzero-as-null-pointer-constant"
 

@@ -100,7 +100,8 @@ void quote(CValueWriter& out, std::basic_string_view<T> characters)
 #ifdef __cpp_char8_t
     if constexpr (std::is_same_v<T, char8_t>)
     {
-        out.quoted({reinterpret_cast<char const*>(characters.data()), characters.size()});
+        auto const* const bytes = reinterpret_cast<char const*>(characters.data());
+        out.quoted(std::string_view(bytes, characters.size()));
         return;
     }
     else
@@ -380,23 +381,44 @@ void writeToStream(std::ostream& stream, void const* object)
     stream << *static_cast<T const*>(object);
 }
 
-/// Writes the bytes of an object, unless they are more than its value.
-template <typename T>
-void describeBytes(CValueWriter& out, T const& value)
-{
-    if constexpr (std::has_unique_object_representations_v<T>)
-    {
-        out.bytes(std::addressof(value), sizeof(T));
-    }
+/// Objects without padding, or whose padding can be told apart, so that it need not be read.
 #if __has_builtin(__builtin_clear_padding)
-    else if constexpr (std::is_trivially_copyable_v<T> && sizeof(T) <= 65536)
+template <typename T>
+constexpr bool hasShownBytes = std::has_unique_object_representations_v<T> ||
+                               (std::is_trivially_copyable_v<T> && sizeof(T) <= 65536);
+#else
+template <typename T>
+constexpr bool hasShownBytes = std::has_unique_object_representations_v<T>;
+#endif
+
+/// Calls \p use with the bytes of the object, in which those that are only padding are 0.
+template <typename T, typename Use>
+void useShownBytes(T const& value, Use const& use)
+{
+#if __has_builtin(__builtin_clear_padding)
+    if constexpr (!std::has_unique_object_representations_v<T>)
     {
         alignas(T) unsigned char copy[sizeof(T)];
         __builtin_memcpy(copy, std::addressof(value), sizeof(T));
         __builtin_clear_padding(reinterpret_cast<T*>(copy));
-        out.bytes(copy, sizeof(T));
+        use(copy);
+        return;
     }
+    else
 #endif
+    {
+        use(std::addressof(value));
+    }
+}
+
+/// Writes the bytes of an object, unless they are more than its value.
+template <typename T>
+void describeBytes(CValueWriter& out, T const& value)
+{
+    if constexpr (hasShownBytes<T>)
+    {
+        useShownBytes(value, [&out](void const* bytes) { out.bytes(bytes, sizeof(T)); });
+    }
     else
     {
         out.opaque(sizeof(T));

@@ -13,7 +13,9 @@ namespace qix::detail
 {
 
 /// Tells what differs between two operands that are not equal, beside the values themselves.
-/// \param isLong  whether the values are so long that a difference is hard to see in them
+/// \param isLong  whether the values are so long that a difference is hard to see in them; the
+/// place
+///     of an element is told of short ones, too
 using Explain = void(CValueWriter& out, void const* left, void const* right, bool isLong);
 
 /// Writes where two texts differ: by lines if they have many, by what surrounds the place if not.
@@ -57,12 +59,14 @@ using HashTrait = typename T::hasher;
 /// Ranges that do not tell their size may be without end.
 constexpr std::size_t comparedElements = 1000000;
 
-/// Objects that are shown as bytes, all of which are a part of their value.
+/// Objects that are shown as bytes.
 template <typename T>
 constexpr bool isPlain =
-    std::is_class_v<T>&& std::has_unique_object_representations_v<T> &&
-    !fulfils<T, DescribeTrait> && !fulfils<T, StreamTrait> && !fulfils<T, RangeTrait> &&
-    !fulfils<T, TupleTrait> && !fulfils<T, TimeTrait> && !fulfils<T, PointerTrait>;
+    std::is_class_v<T>&& hasShownBytes<T> && !fulfils<T, DescribeTrait> &&
+    !fulfils<T, StreamTrait> && !fulfils<T, RangeTrait> && !fulfils<T, TupleTrait> &&
+    !fulfils<T, TimeTrait> && !fulfils<T, PointerTrait> && !fulfils<T, OptionalTrait> &&
+    !fulfils<T, ExpectedTrait> && !fulfils<T, VariantTrait> &&
+    !std::is_convertible_v<T const&, std::wstring_view>;
 
 template <typename T, typename Iterator, typename End>
 void describeElementOrEnd(CValueWriter& out, Iterator const& element, End const& end)
@@ -115,11 +119,16 @@ void explain(CValueWriter& out, void const* left, void const* right, bool isLong
     }
     else if constexpr (areRanges<L, R>)
     {
-        isLong ? explainRanges(out, l, r) : void();
+        explainRanges(out, l, r);
     }
     else if (isLong)
     {
-        explainBytes(out, &l, &r, sizeof(L));
+        useShownBytes(l,
+                      [&](void const* leftBytes)
+                      {
+                          useShownBytes(r, [&](void const* rightBytes)
+                                        { explainBytes(out, leftBytes, rightBytes, sizeof(L)); });
+                      });
     }
 }
 

@@ -23,6 +23,10 @@ QIX_EXPORT bool endsWithText(std::string_view value, std::string const& expected
 QIX_EXPORT bool matchesWholeRegex(std::string_view value, std::string const& expected);
 QIX_EXPORT bool hasRegex(std::string_view value, std::string const& expected);
 
+/// Writes where two texts differ that should be the same; nothing for those that compare otherwise.
+QIX_EXPORT void explainTextMatch(CValueWriter& out, CompareTexts* compare, std::string_view value,
+                                 std::string const& expected);
+
 /// A text that compares with another one in some way. A null pointer does in none.
 class CTextMatcher
 {
@@ -43,6 +47,12 @@ public:
             }
         }
         return m_compare(viewOf(value), m_expected);
+    }
+
+    template <typename T, typename = std::enable_if_t<isNarrowText<T>>>
+    void explain(CValueWriter& out, T const& value) const
+    {
+        explainTextMatch(out, m_compare, viewOf(value), m_expected);
     }
 
     void describe(CValueWriter& out) const

@@ -1,3 +1,4 @@
+#include <qix/detail/difference.h>
 #include <qix/detail/matching.h>
 #include <qix/matchers/containers.h>
 #include <qix/matchers/numbers.h>
@@ -137,6 +138,16 @@ bool isWithin(double left, double right, double bound) noexcept
 bool areSameTexts(std::string_view value, std::string const& expected)
 {
     return value == expected;
+}
+
+void explainTextMatch(CValueWriter& out, CompareTexts* compare, std::string_view value,
+                      std::string const& expected)
+{
+    constexpr std::size_t longText = 40;
+    if (compare == &areSameTexts)
+    {
+        explainTexts(out, value, expected, std::max(value.size(), expected.size()) > longText);
+    }
 }
 
 bool areSameWithoutCase(std::string_view value, std::string const& expected)

@@ -7,17 +7,22 @@ namespace qix
 {
 
 CTestFailedException::CTestFailedException(std::string const& text)
-    : zel::CError(decodedText(text), zel::String(), -1, zel::CProps(), nullptr),
-      m_text(text),
-      m_failures({{"", 0, "", text}})
+    : CTestFailedException(text, {{"", 0, "", text}})
 {
 }
 
 CTestFailedException::CTestFailedException(std::vector<CheckFailure> const& failures,
                                            std::size_t count)
-    : CTestFailedException(formatFailures(failures, count))
+    : CTestFailedException(formatFailures(failures, count), failures)
 {
-    m_failures = failures;
+}
+
+CTestFailedException::CTestFailedException(std::string const& text,
+                                           std::vector<CheckFailure> const& failures)
+    : zel::CError(decodedText(text), zel::String(), -1, zel::CProps(), nullptr),
+      m_text(text),
+      m_failures(failures)
+{
 }
 
 CTestFailedException::~CTestFailedException() = default;

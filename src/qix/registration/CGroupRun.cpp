@@ -11,7 +11,6 @@
 #include "registration/CRegistry.h"
 #include "testing/CTestContext.h"
 #include "text/decodedText.h"
-#include "text/exceptionText.h"
 
 #include <string>
 #include <utility>
@@ -23,20 +22,6 @@ namespace
 {
 
 thread_local CGroupRun* innermostGroup = nullptr;
-
-/// The exception that is being handled. One that tells no place gets that of the fixture.
-std::exception_ptr failureOf(GroupFixture const& fixture, char const* step,
-                             std::exception const& exception)
-{
-    if (dynamic_cast<CTestFailedException const*>(&exception) != nullptr)
-    {
-        return std::current_exception();
-    }
-    CheckFailure const failure{fixture.location.file, fixture.location.line, "",
-                               "the " + std::string(step) + " of " + fixture.type + " threw " +
-                                   exceptionText(exception)};
-    return std::make_exception_ptr(CTestFailedException({failure}));
-}
 
 } // namespace
 
@@ -135,16 +120,11 @@ void CGroupRun::release()
 void CGroupRun::keep(GroupFixture const& fixture, char const* name, CFunctionRef step)
 {
     CTestContext run(m_group, m_runner);
-    run.tryStep(name, step);
+    run.locate(fixture.location);
+    run.tryStep((std::string("the ") + name + " of " + fixture.type).c_str(), step);
     catchOutcome([&run] { run.finish(); },
-                 [&](TestOutcome::Kind kind, std::exception const& exception)
-                 {
-                     if (!m_error)
-                     {
-                         m_error = kind == TestOutcome::Failed ? failureOf(fixture, name, exception)
-                                                               : std::current_exception();
-                     }
-                 });
+                 [this](TestOutcome::Kind /*kind*/, std::exception const& /*exception*/)
+                 { m_error = m_error ? m_error : std::current_exception(); });
 }
 
 CGroupFixtureRegistration::CGroupFixtureRegistration(char const* file, int line, char const* group,

@@ -119,7 +119,7 @@ bool CSections::begin(Section& section)
         setDone(section);
         return false;
     }
-    section.run = std::make_unique<CTestContext>(m_bodyRun, this);
+    section.run = std::make_unique<CTestContext>(m_bodyRun, section.location, this);
     section.parent->open = &section;
     return true;
 }

@@ -1,15 +1,22 @@
 #include "testing/CTestContext.h"
 
+#include <qix/ILocatedItem.h>
+#include <qix/detail/passedCheck.h>
+
 #include "guards/posix/CForkGuard.h"
 #include "guards/posix/CForkLock.h"
 #include "model/outcomes.h"
 #include "testing/CSections.h"
+#include "testing/CThrownFailure.h"
 #include "testing/infos.h"
 #include "testing/leftByStep.h"
 #include "testing/pendingFailures.h"
 #include "text/exceptionText.h"
 #include "text/forcedUnwind.h"
+#include "text/formatLocation.h"
+#include "text/messageOf.h"
 #include "text/shownName.h"
+#include "text/withIndentedLines.h"
 
 #include <algorithm>
 #include <mutex>
@@ -39,6 +46,15 @@ constexpr std::size_t listedFailures = 100;
 ITestItem::Duration durationOfRows(ITestItem const& item)
 {
     return item.getDuration() == ITestItem::Short ? ITestItem::Short : ITestItem::None;
+}
+
+/// A line that tells the last check that this thread has passed.
+std::string lastCheckText()
+{
+    char const* const file = detail::lastPassedCheck.file;
+    int const line = detail::lastPassedCheck.line;
+    return file == nullptr ? ""
+                           : "\nthe last check that passed is at " + formatLocation({file, line});
 }
 
 } // namespace
@@ -94,9 +110,11 @@ CTestContext::CTestContext(ITestItem& item, ITestRunner* runner) noexcept
     enter();
 }
 
-CTestContext::CTestContext(CTestContext const& outer, CSections* sections) noexcept
+CTestContext::CTestContext(CTestContext const& outer, SourceLocation const& location,
+                           CSections* sections) noexcept
     : CTestContext(outer.m_item, outer.m_runner)
 {
+    m_location = location;
     m_about = outer.m_about;
     m_hasFailedAsExpected = outer.m_hasFailedAsExpected;
     m_sections = sections;
@@ -228,13 +246,22 @@ void CTestContext::note(CheckFailure const& failure)
     noteLocked(failure);
 }
 
+/// Where what runs is written; a null file when it is not known.
+SourceLocation CTestContext::location() const noexcept
+{
+    auto const* const located = dynamic_cast<ILocatedItem const*>(&m_item);
+    bool const isOfItem = m_location.file == nullptr && located != nullptr;
+    return isOfItem ? located->getLocation() : m_location;
+}
+
 void CTestContext::noteThrown(char const* step, std::string const& what)
 {
-    std::string text = std::string(step) + " threw " + what;
+    std::string text = std::string(step) + " threw " + what + lastCheckText();
     std::string const infos = infosOfThisThread();
     m_hasInfos = m_hasInfos || !infos.empty();
     text += infos.empty() ? "" : "\n" + infos;
-    note({"", 0, "", text});
+    SourceLocation const at = location();
+    note({at.file == nullptr ? "" : at.file, at.line, "", text});
 }
 
 /// Code in front of the sections fails again in each pass; its failure is reported once.
@@ -338,6 +365,8 @@ void CTestContext::runPasses(detail::CFunctionRef pass)
         if (goesOn)
         {
             m_ownSections->beginPass();
+            // What the other sections have passed is not on the way of this one.
+            detail::notePassedCheck(nullptr, 0);
             leave();
             enter();
         }
@@ -379,6 +408,8 @@ void CTestContext::keepError(char const* step, Thrown const& thrown)
     if (!m_error)
     {
         m_error = thrown;
+        m_errorOrigin =
+            std::string(step) + " threw " + exceptionOrigin(*thrown.exception) + lastCheckText();
     }
     noteThrown(step, exceptionText(*thrown.exception));
 }
@@ -407,7 +438,7 @@ void CTestContext::runSubTest(std::string const& name, detail::CFunctionRef row,
     {
         return;
     }
-    CTestContext run(*this, nullptr);
+    CTestContext run(*this, location, nullptr);
     run.runPasses([&] { run.tryStep("it", row); });
     endSubTest(run);
 }
@@ -451,14 +482,32 @@ void CTestContext::endFailedSubTest(CTestContext const& subTest)
         m_runner->endSubTest_Success();
         return;
     }
-    if (subTest.hasOnlyAnError())
+    catchOutcome([&subTest] { subTest.throwFailure(); },
+                 [this](TestOutcome::Kind /*kind*/, std::exception const& exception)
+                 { m_runner->endSubTest_Failed(exception); });
+}
+
+/// An exception of the test's own keeps its message, below which stands what is known of it; where
+/// it is not known where the test is written, that is nothing, and it is thrown as it is.
+void CTestContext::throwFailure() const
+{
+    if (!hasOnlyAnError())
     {
-        m_runner->endSubTest_Failed(*subTest.m_error->exception);
+        throw CTestFailedException(m_failures, m_failureCount);
     }
-    else
+    SourceLocation const at = location();
+    try
     {
-        m_runner->endSubTest_Failed(
-            CTestFailedException(subTest.m_failures, subTest.m_failureCount));
+        std::rethrow_exception(m_error->owner);
+    }
+    catch (std::exception const& e)
+    {
+        if (at.file == nullptr)
+        {
+            throw;
+        }
+        std::string const origin = formatLocation(at) + ": " + m_errorOrigin;
+        throw CThrownFailure(messageOf(e) + ("\n    " + withIndentedLines(origin)), m_failures);
     }
 }
 
@@ -470,13 +519,9 @@ bool CTestContext::hasOnlyAnError() const noexcept
 void CTestContext::finish()
 {
     leave();
-    if (hasOnlyAnError())
-    {
-        std::rethrow_exception(m_error->owner);
-    }
     if (m_failureCount > 0)
     {
-        throw CTestFailedException(m_failures, m_failureCount);
+        throwFailure();
     }
     if (m_outcome)
     {

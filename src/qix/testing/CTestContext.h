@@ -44,8 +44,10 @@ public:
     CTestContext(ITestItem& item, ITestRunner* runner) noexcept;
 
     /// The context of a sub-test, nested in another one.
+    /// \param location  where the sub-test is written
     /// \param sections  those that it belongs to if it is a section; null for a row
-    CTestContext(CTestContext const& outer, CSections* sections) noexcept;
+    CTestContext(CTestContext const& outer, SourceLocation const& location,
+                 CSections* sections) noexcept;
 
     CTestContext(CTestContext const&) = delete;
     CTestContext& operator=(CTestContext const&) = delete;
@@ -96,6 +98,9 @@ public:
     /// The sections that this context belongs to, or that are in it.
     CSections& sections();
 
+    /// \param location  where what runs is written, which is not the place of the item
+    void locate(SourceLocation const& location) noexcept { m_location = location; }
+
     /// Becomes the current context again, after leave().
     void enter() noexcept;
 
@@ -141,6 +146,8 @@ private:
     void keepError(char const* step, Thrown const& thrown);
     void keepOutcome(Thrown const& thrown);
     void noteThrown(char const* step, std::string const& what);
+    SourceLocation location() const noexcept;
+    [[noreturn]] void throwFailure() const;
     bool isKnownFromEarlierPass(CheckFailure const& failure) const;
     void noteLocked(CheckFailure failure);
     bool hasOnlyAnError() const noexcept;
@@ -149,7 +156,8 @@ private:
 
     ITestItem& m_item;
     ITestRunner* m_runner;
-    CTestItem const* m_object = nullptr; ///< what is made for this context
+    SourceLocation m_location{nullptr, 0}; ///< where it is written, if the item does not know
+    CTestItem const* m_object = nullptr;   ///< what is made for this context
     bool m_awaitsObject = false;
     std::string const* m_about = nullptr;
     bool* m_hasFailedAsExpected = nullptr; ///< null unless failures are expected
@@ -163,6 +171,7 @@ private:
     std::size_t m_knownFailures = 0; ///< how many of the listed ones are of earlier passes
     bool m_hasInfos = false;         ///< of an exception, which cannot tell them itself
     std::optional<Thrown> m_error;   ///< the first failure that is an exception of the test's own
+    std::string m_errorOrigin;       ///< which step threw it, its type and its causes
     std::unique_ptr<CSections> m_ownSections;
     CSections* m_sections = nullptr; ///< null as long as there is none
     std::optional<Thrown> m_outcome; ///< the first exception that tells of a skip or an abort

@@ -12,12 +12,41 @@
 namespace qix
 {
 
+namespace
+{
+
+void replaceAll(std::string& text, std::string_view part, std::string_view by)
+{
+    for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += by.size())
+    {
+        text.replace(at, part.size(), by);
+    }
+}
+
+/// The name without what only the library's own sources know: what std::throw_with_nested() makes
+/// of a type, and how texts are called.
+std::string asWritten(std::string name)
+{
+    constexpr std::string_view nested = "std::_Nested_exception<";
+    if (name.compare(0, nested.size(), nested) == 0)
+    {
+        name = name.substr(nested.size(), name.size() - nested.size() - 1);
+        name.resize(name.find_last_not_of(' ') + 1);
+    }
+    replaceAll(name, "__cxx11::", "");
+    replaceAll(name, "std::basic_string<char, std::char_traits<char>, std::allocator<char> >",
+               "std::string");
+    return name;
+}
+
+} // namespace
+
 std::string typeText(std::type_info const& type)
 {
     int status = 0;
     std::unique_ptr<char, decltype(&std::free)> const name(
         abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
-    return name == nullptr ? type.name() : name.get();
+    return name == nullptr ? type.name() : asWritten(name.get());
 }
 
 namespace
@@ -44,13 +73,22 @@ QIX_CATCHES_FORCED_UNWIND std::string causeText(std::nested_exception const& nes
     }
 }
 
+std::string causeText(std::exception const& exception)
+{
+    auto const* const nesting = dynamic_cast<std::nested_exception const*>(&exception);
+    return nesting == nullptr ? "" : causeText(*nesting);
+}
+
 } // namespace
 
 std::string exceptionText(std::exception const& exception)
 {
-    std::string const text = typeText(typeid(exception)) + ": " + messageOf(exception);
-    auto const* const nesting = dynamic_cast<std::nested_exception const*>(&exception);
-    return nesting == nullptr ? text : text + causeText(*nesting);
+    return typeText(typeid(exception)) + ": " + messageOf(exception) + causeText(exception);
+}
+
+std::string exceptionOrigin(std::exception const& exception)
+{
+    return typeText(typeid(exception)) + causeText(exception);
 }
 
 std::string currentExceptionText()

@@ -126,6 +126,14 @@ TEST(Matchers, readTexts)
               std::string::npos);
 }
 
+TEST(Matchers, tellWhereTextsDiffer)
+{
+    std::string const text(60, 'a');
+    EXPECT_NE(told(text, equalsText(text + "b")).find("first difference at position 60: "),
+              std::string::npos);
+    EXPECT_NE(told("a\nb\n", equalsText("a\nc\n")).find("    - b\n    + c"), std::string::npos);
+}
+
 TEST(Matchers, readElements)
 {
     EXPECT_EQ(told(Ints{1, 2, 3}, elementsAre(1, lessThan(3), 3)), "ok");
