@@ -38,7 +38,10 @@ class QIX_EXPORT CTestItemGroup : public zel::CBase, public virtual ITestItem
 {
 public:
     /// A group without children.
-    explicit CTestItemGroup(std::string const& name) : m_name(name) {}
+    explicit CTestItemGroup(std::string const& name)
+        : m_subItems(), m_factories(), m_name(name), m_logLines()
+    {
+    }
 
     std::string getName() const override { return m_name; }
 

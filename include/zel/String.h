@@ -12,6 +12,10 @@ class wxMBConv;
 namespace zel
 {
 
+// Nobody deletes it as the base class without a virtual destructor, of which -Weffc++ warns.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// Text: wide characters, one code point each, with the operations of wxString.
 ///
 /// Bytes that become text (`char`, `char const*`, `std::string`) are read as ISO-8859-1: each
@@ -68,6 +72,8 @@ public:
     /// \param problems  receives the number of replaced characters; may be null
     std::string toEncodingSafe(wxMBConv const& conv, int* problems) const;
 };
+
+#pragma GCC diagnostic pop
 
 /// What can stand beside a String in an expression: any text that a String can be made from.
 template <typename T>

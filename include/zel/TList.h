@@ -8,6 +8,10 @@
 namespace zel
 {
 
+// Nobody deletes it as the base class without a virtual destructor, of which -Weffc++ warns.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// A doubly linked list that can be shared. Its elements are used as those of a std::list,
 /// also as far as threads are concerned.
 template <typename T>
@@ -26,6 +30,8 @@ public:
     TList& operator=(TList const& other) = default;
     ~TList() override = default;
 };
+
+#pragma GCC diagnostic pop
 
 extern template class TList<String>;
 

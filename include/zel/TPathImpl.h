@@ -7,6 +7,10 @@
 namespace zel
 {
 
+// Nobody deletes it as the base class without a virtual destructor, of which -Weffc++ warns.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// A file-system path: a text, and whether that text is known to be absolute and normalized.
 ///
 /// Paths are values. They are joined and normalized as texts, without a look at the file system:
@@ -62,6 +66,8 @@ private:
     String m_text;
     bool m_normalized = false;
 };
+
+#pragma GCC diagnostic pop
 
 extern template class TPathImpl<CUnixPathTraits>;
 

@@ -1,5 +1,7 @@
 // What other frameworks compile in a check, and what their users take for granted.
 
+#include <qix/combine.h>
+#include <qix/hidden.h>
 #include <qix/test.h>
 
 #include <csignal>
@@ -91,6 +93,38 @@ Stream& operator<<(Stream&& stream, Streaming const& value)
     return stream;
 }
 
+/// Writes itself, and in its namespace all else, to whatever stream is a variable.
+namespace flooding
+{
+
+struct Flooding
+{
+    int value;
+    bool operator==(Flooding const& other) const { return value == other.value; }
+};
+
+template <typename Stream, typename T>
+Stream& operator<<(Stream& stream, T const& value)
+{
+    stream << value.value;
+    return stream;
+}
+
+} // namespace flooding
+
+/// The same of those streams only that take a number.
+struct Trickling
+{
+    int value;
+    bool operator==(Trickling const& other) const { return value == other.value; }
+};
+
+template <typename Stream>
+auto operator<<(Stream& stream, Trickling const& value) -> decltype(stream << value.value)
+{
+    return stream << value.value;
+}
+
 class CMoveOnly
 {
 public:
@@ -173,6 +207,24 @@ QIX_TEST(accepted, greedyStreams)
     QIX_CHECK(Streaming{7} == streaming);
 }
 
+template <typename T>
+void writeBehindChecks(T const& value)
+{
+    QIX_CHECK(value == T{7}) << "why " << value << T{8};
+    QIX_CHECK_NOTHROW(answer()) << value;
+    QIX_NOTE_FAILURE("text ") << value << " and more";
+    QIX_INFO("looking at " << value << T{8});
+    QIX_INFO(value << " and more");
+    QIX_CAPTURE(value, T{8});
+    QIX_ABORT("why ") << value;
+}
+
+QIX_TEST(accepted, greedyStreamsBehindChecks)
+{
+    writeBehindChecks(flooding::Flooding{7});
+    writeBehindChecks(Trickling{7});
+}
+
 QIX_TEST(accepted, typesThatCannotBeCopied)
 {
     CMoveOnly value(7);
@@ -240,6 +292,10 @@ QIX_TEST(accepted, statementsThatThrow)
     QIX_CHECK_THROWS(std::vector<int> const copies(1, numbers.at(7)));
     QIX_CHECK_THROWS(numbers.at(7) == 7);
     QIX_CHECK_THROWS(throw 7);
+    QIX_REQUIRE_THROWS(numbers.at(7));
+    QIX_REQUIRE_THROWS_AS(numbers.at(7), std::out_of_range);
+    QIX_REQUIRE_THROWS_WITH(throw "text", "text");
+    QIX_REQUIRE_THROWS_WITH_AS(throw std::string("text"), "text", std::string);
     QIX_CHECK_NOTHROW(1 + 1);
     QIX_CHECK_NOTHROW(int const x = 7);
     QIX_CHECK_NOTHROW(answer());
@@ -342,6 +398,22 @@ struct CShared
 {
     int m_uses = 0;
 };
+
+class CFixture : public qix::CTestItem
+{
+protected:
+    void setUp() override { m_value = 7; }
+
+    int m_value = 0;
+};
+
+QIX_TEST_F(CFixture, accepted, fixture, Long, Interactive)
+{
+    subTest("row", [this] { QIX_CHECK(m_value == qix::approx(7).absolute(0.5)); });
+    qix::subTest(std::string("row"), [] { qix::log("text"); });
+    QIX_CHECK(qix::hidden(m_value) == 7);
+    qix::noteFailure(__FILE__, __LINE__, "why");
+}
 
 QIX_GROUP_FIXTURE(accepted, CShared);
 
