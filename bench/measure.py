@@ -124,9 +124,9 @@ def ratio(value, base):
     return f"{value / base:.2f}"
 
 
-def write(name, title, text):
+def write(name, title, text, tool="tools/bench"):
     RESULTS.mkdir(exist_ok=True)
-    (RESULTS / name).write_text(f"# {title}\n\nMeasured by `tools/bench` in one run. {MACHINE}.\n\n"
+    (RESULTS / name).write_text(f"# {title}\n\nMeasured by `{tool}` in one run. {MACHINE}.\n\n"
                                 + text, "utf-8")
 
 
@@ -246,34 +246,50 @@ def measure_calls(bench):
           f"memory.\n\n```text\n$ strace -c -f qix '*'\n{text}```\n")
 
 
-def measure_checks(bench):
+def run_checks(bench):
+    """The repetitions of each part of a test, by its name in the program."""
     with tempfile.TemporaryDirectory() as folder:
         found = Path(folder) / "found.json"
         subprocess.run([str(bench.build / "checks" / "checks"), f"--benchmark_out={found}",
                         "--benchmark_repetitions=5"], check=True, cwd=folder,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         runs = json.loads(found.read_text())["benchmarks"]
+    parts = {}
+    for run in runs:
+        if run["run_type"] == "iteration":
+            parts.setdefault(run["name"].split("/")[0], []).append(run)
+    return parts
+
+
+def times(runs):
+    return spread([run["cpu_time"] for run in runs], 1, 1)
+
+
+def allocations(runs):
+    return f"{statistics.median(run['allocations'] for run in runs):.2f}"
+
+
+def measure_checks(bench):
     names = {"passingCheck": "a passing check", "failingCheck": "a failing check",
              "recordedLine": "a recorded line", "subTest": "a sub-test that passes"}
-    rows = []
-    for name, text in names.items():
-        mine = [run for run in runs
-                if run["name"].startswith(name) and run["run_type"] == "iteration"]
-        rows.append([text, spread([run["cpu_time"] for run in mine], 1, 1),
-                     f"{statistics.median(run['allocations'] for run in mine):.2f}"])
+    parts = run_checks(bench)
+    rows = [[text, times(parts[name]), allocations(parts[name])] for name, text in names.items()]
     write("checks.md", "What the parts of a test cost",
           "Inside a test that the console runner runs, with standard output at `/dev/null`.\n\n"
           + table(["Part", "processor ns (lowest to highest)", "allocations"], rows))
 
 
+def run_memory(bench, tests):
+    """Bytes for each test that is registered, and for each after the run."""
+    with tempfile.TemporaryDirectory() as folder:
+        found = subprocess.run([str(bench.build / "memory" / "memory")], check=True, cwd=folder,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
+                               env=bench.environment(tests, folder))
+    return found.stderr.split()
+
+
 def measure_memory(bench):
-    rows = []
-    for tests in (10_000, 100_000):
-        with tempfile.TemporaryDirectory() as folder:
-            found = subprocess.run([str(bench.build / "memory" / "memory")], check=True, cwd=folder,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
-                                   env=bench.environment(tests, folder))
-        rows.append([f"{tests:,}", *found.stderr.split()])
+    rows = [[f"{tests:,}", *run_memory(bench, tests)] for tests in (10_000, 100_000)]
     write("memory.md", "Memory of a test",
           "Bytes on the heap for each test that is registered as by `QIX_TEST`. Its object is made "
           "when it is needed; the registration stays, for those of plug-ins are compared with it.\n\n"
