@@ -53,7 +53,7 @@ void appendEscaped(std::string& id, char byte)
 std::size_t appendCharacter(std::string& id, std::string_view name, std::size_t position)
 {
     Utf8Character const character = utf8CharacterAt(name, position);
-    if (character.size > 1 && isLetterOrDigit(character.code))
+    if (isLetterOrDigitBeyondAscii(character.code))
     {
         id.append(name, position, character.size);
         return position + character.size;

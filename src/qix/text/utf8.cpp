@@ -54,12 +54,6 @@ Utf8Character decode(std::string_view bytes, std::size_t size) noexcept
     return code >= form.lowest && isScalarValue(code) ? Utf8Character{code, size} : invalid;
 }
 
-bool isAsciiLetterOrDigit(char32_t code) noexcept
-{
-    return (code >= U'0' && code <= U'9') || (code >= U'A' && code <= U'Z') ||
-           (code >= U'a' && code <= U'z');
-}
-
 } // namespace
 
 Utf8Character utf8CharacterAt(std::string_view text, std::size_t position) noexcept
@@ -76,12 +70,8 @@ Utf8Character utf8CharacterAt(std::string_view text, std::size_t position) noexc
     return invalid;
 }
 
-bool isLetterOrDigit(char32_t code) noexcept
+bool isLetterOrDigitBeyondAscii(char32_t code) noexcept
 {
-    if (code < 0x80)
-    {
-        return isAsciiLetterOrDigit(code);
-    }
     CodePointRange const* const range =
         std::lower_bound(std::begin(letterRanges), std::end(letterRanges), code,
                          [](CodePointRange const& r, char32_t c) { return r.last < c; });

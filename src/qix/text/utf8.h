@@ -17,8 +17,8 @@ struct Utf8Character
 /// Unicode and sequences that are longer than needed are not valid.
 Utf8Character utf8CharacterAt(std::string_view text, std::size_t position) noexcept;
 
-/// True for letters and decimal digits of all scripts, in every locale, by one version of Unicode
-/// that never changes.
-bool isLetterOrDigit(char32_t code) noexcept;
+/// True for letters and decimal digits of all scripts, except for those of ASCII, in every locale,
+/// by one version of Unicode that never changes.
+bool isLetterOrDigitBeyondAscii(char32_t code) noexcept;
 
 } // namespace qix
