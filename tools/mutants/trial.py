@@ -26,6 +26,9 @@ LEFT_OUT = ('install', 'project', 'globals', 'reference', 'symbols', 'docs', 'sy
             'discovery', 'authoring.rejected')
 # Tests that compile what users write, and so read headers only.
 OF_HEADERS = ('authoring.accepted', 'authoring.warnsOfNothing')
+# Tests that take long, and so are run for several mutants at once.
+SLOW = ('options.RoundTrip', 'options.Memory', 'options.randomOrder', 'supervised.promise',
+        'reports.cuts', 'faults.memoryOfRunner')
 MEMORY = 4 << 30
 FILE_SIZE = 8 << 30  # some tests make sparse files of some size
 
@@ -55,6 +58,11 @@ shift
 cd "$PWD"
 exec "$@"
 '''
+
+
+def kinds_of(path):
+    default = ('authoring',) if '/qix/' in path else ()
+    return KINDS_OF_ROOM.get(pathlib.Path(path).parts[2], default)
 
 
 def limit():
@@ -330,9 +338,10 @@ class Copy:
             for rank, names in by_rank.items():
                 if rank < FAR:
                     ranks[rank].append(units.test.of(names))
-        kinds = KINDS_OF_ROOM.get(pathlib.Path(path).parts[2], ('authoring',) if '/qix/' in path else ())
+        kinds = kinds_of(path)
         return [test for rank in ranks for test in rank] + self.sorted(
-            [test for test in self.others_that_know(path) if test.kind in kinds], path)
+            [test for test in self.others_that_know(path)
+             if test.kind in kinds and not test.name.startswith(SLOW)], path)
 
     def far_tests(self, paths):
         """All others than the near ones of all these files."""
