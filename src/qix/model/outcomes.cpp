@@ -14,9 +14,11 @@ namespace
 
 std::vector<CheckFailure> failuresOf(std::exception const& exception)
 {
-    auto const* const failed = dynamic_cast<CTestFailedException const*>(&exception);
-    return failed != nullptr ? failed->getFailures()
-                             : std::vector<CheckFailure>{{"", 0, "", exceptionText(exception)}};
+    if (auto const* const failed = dynamic_cast<CTestFailedException const*>(&exception))
+    {
+        return failed->getFailures();
+    }
+    return {{"", 0, "", exceptionText(exception)}};
 }
 
 zel::String reasonOf(std::exception const& exception)
