@@ -1,6 +1,6 @@
 #!/bin/bash
-# tools/setup says whose fault it is when it cannot install anything, and tools/build which CMake is
-# too old, with stand-ins for what they call: tools.sh TOOLS
+# tools/setup says whose fault it is when it cannot install anything, tools/build which CMake is too
+# old, with stand-ins for what they call, and tools/skipped why tests were skipped: tools.sh TOOLS
 set -euo pipefail
 
 folder=$(mktemp -d)
@@ -42,3 +42,23 @@ expect 'libwxbase3.0-dev' "${setup[@]}"
 
 stand_in cmake 'echo "cmake version 3.18.4"'
 expect 'CMake 3.25 or later is needed to build qix, and 3.18.4 is here.' "$1/build" release
+
+cat >"$folder/results.xml" <<'END'
+<testsuite>
+  <testcase name="unit"><skipped/><system-out>unitTest.cpp:7: Skipped
+there is no disk
+
+[  SKIPPED ] unit (0 ms)</system-out></testcase>
+  <testcase name="script"><skipped/><system-out>begins
+needs root</system-out></testcase>
+  <testcase name="silent"><skipped/></testcase>
+  <testcase name="passed"><system-out>needs nothing</system-out></testcase>
+</testsuite>
+END
+diff - <("$1/skipped" "$folder/results.xml") <<'END'
+
+Skipped, and why:
+  unit: there is no disk
+  script: needs root
+  silent: it does not say
+END
