@@ -178,34 +178,37 @@ void CJUnitReport::appendCase(std::string& xml, Test const& test) const
 
 void CJUnitReport::beginTest(Test const& test)
 {
-    CLiveXml::Record unfinished = 0;
+    m_running.emplace_back();
+    Running& running = m_running.back();
     if (test.info->kind != TestInfo::Group)
     {
-        m_record.clear();
-        appendCase(m_record, test);
+        appendCase(running.begin, test);
+        m_record = running.begin;
         m_record += "><error type=\"unfinished\">The test did not finish.</error></testcase>\n";
-        m_isComplete = m_xml.addForNow(m_record, unfinished) && m_isComplete;
+        m_isComplete = m_xml.addForNow(m_record, running.unfinished) && m_isComplete;
     }
-    m_unfinished.push_back(unfinished);
 }
 
 void CJUnitReport::endTest(Test const& test, TestOutcome const& outcome)
 {
-    CLiveXml::Record const unfinished = m_unfinished.back();
-    m_unfinished.pop_back();
+    Running const running = std::move(m_running.back());
+    m_running.pop_back();
     bool const isReported = test.info->kind != TestInfo::Group || outcome.kind != TestOutcome::Ok;
     if (isReported)
     {
         ++m_counts.tests;
-        m_record.clear();
-        appendCase(m_record, test);
+        m_record = running.begin;
+        if (m_record.empty())
+        {
+            appendCase(m_record, test);
+        }
         appendAttribute(m_record, "time", formatSeconds(outcome.elapsed));
         TestProcess const process = context().process();
         std::string const content = properties(process) + verdict(test, outcome, process);
         m_record += content.empty() ? "/>\n" : '>' + content + "</testcase>\n";
         m_isComplete = m_xml.add(m_record) && m_isComplete;
     }
-    m_xml.hide(unfinished);
+    m_xml.hide(running.unfinished);
 }
 
 /// Some readers do not take any.

@@ -34,6 +34,13 @@ private:
         unsigned long skipped = 0;
     };
 
+    /// What is not kept of a group.
+    struct Running
+    {
+        std::string begin; ///< the case up to what depends on its end
+        CLiveXml::Record unfinished = 0;
+    };
+
     void beginTest(Test const& test) override;
     void endTest(Test const& test, TestOutcome const& outcome) override;
     void filterTest(Test const& test, Filter filter) override;
@@ -51,7 +58,7 @@ private:
     Counts m_counts;
     std::unique_ptr<ILiveFile> m_file;
     CLiveXml m_xml;
-    std::vector<CLiveXml::Record> m_unfinished; ///< of the tests that are running, 0 for a group
+    std::vector<Running> m_running;
     std::string m_record;
     bool m_isComplete; ///< so far
 };

@@ -95,8 +95,9 @@ void CJsonEvents::beginRun()
 
 void CJsonEvents::beginTest(Test const& test)
 {
+    m_running.push_back(describe(test));
     beginEvent("testBegin");
-    writeTest(test);
+    m_writer.written(m_running.back());
     if (test.info->location)
     {
         writeText("file", test.info->location->file);
@@ -109,22 +110,36 @@ void CJsonEvents::beginTest(Test const& test)
 void CJsonEvents::endTest(Test const& test, TestOutcome const& outcome)
 {
     beginEvent("testEnd");
-    writeTest(test);
+    m_writer.written(m_running.back());
+    m_running.pop_back();
     writeText("outcome", nameOf(outcome.kind));
     m_writer.key("seconds");
     m_writer.seconds(inMicroseconds(outcome.elapsed));
-    writeText("message", outcome.message);
-    writeFailures(outcome);
-    writeText("reason", toUtf8(outcome.reason));
-    writeOutput(*test.info);
+    writeVerdict(test, outcome);
     writeProcess(context().process());
     endEvent();
 }
 
+/// Most tests pass and tell nothing.
+void CJsonEvents::writeVerdict(Test const& test, TestOutcome const& outcome)
+{
+    bool const isSilent = test.info->item == nullptr || test.info->item->getLog().empty();
+    if (outcome.kind == TestOutcome::Ok && isSilent)
+    {
+        m_writer.written(R"("message":"","failures":[],"reason":"","output":[])");
+        return;
+    }
+    writeText("message", outcome.message);
+    writeFailures(outcome);
+    writeText("reason", toUtf8(outcome.reason));
+    writeOutput(*test.info);
+}
+
 void CJsonEvents::filterTest(Test const& test, Filter filter)
 {
+    std::string const described = describe(test);
     beginEvent("testFiltered");
-    writeTest(test);
+    m_writer.written(described);
     writeText("filter", nameOf(filter));
     endEvent();
 }
@@ -165,7 +180,7 @@ void CJsonEvents::writeText(char const* key, std::string_view text)
     m_writer.value(text);
 }
 
-void CJsonEvents::writeTest(Test const& test)
+std::string CJsonEvents::describe(Test const& test)
 {
     writeText("id", test.id);
     m_writer.key("names");
@@ -176,6 +191,9 @@ void CJsonEvents::writeTest(Test const& test)
     }
     m_writer.endArray();
     writeText("kind", nameOf(test.info->kind));
+    std::string described = m_writer.text();
+    m_writer.clear();
+    return described;
 }
 
 void CJsonEvents::writeFailures(TestOutcome const& outcome)

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace qix
 {
@@ -29,7 +30,8 @@ private:
     void beginEvent(char const* event);
     void endEvent();
     void writeText(char const* key, std::string_view text);
-    void writeTest(Test const& test);
+    std::string describe(Test const& test);
+    void writeVerdict(Test const& test, TestOutcome const& outcome);
     void writeFailures(TestOutcome const& outcome);
     void writeProcess(TestProcess const& process);
     void writeOutput(TestInfo const& test);
@@ -37,6 +39,7 @@ private:
     CAppendedFile m_file;
     CJsonWriter m_writer;
     std::string m_line;
+    std::vector<std::string> m_running; ///< what each event of a test tells, of those that run
     std::chrono::steady_clock::time_point m_begin;
 };
 

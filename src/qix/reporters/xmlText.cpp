@@ -2,7 +2,7 @@
 
 #include "text/utf8.h"
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
 
 namespace qix
@@ -28,12 +28,29 @@ bool isForbidden(char32_t code) noexcept
     return isControl || code == 0xFFFE || code == 0xFFFF;
 }
 
-/// True for what means the same everywhere in a document. A line end is no blank in an attribute,
-/// and a question mark may close the instruction that hides a record.
-constexpr bool isPlainByte(char byte) noexcept
+/// For each byte whether it means the same everywhere in a document. A line end is no blank in an
+/// attribute, and a question mark may close the instruction that hides a record.
+constexpr std::array<bool, 256> makePlainFlags() noexcept
 {
-    return byte >= 0x20 && byte < 0x7F && byte != '<' && byte != '>' && byte != '&' &&
-           byte != '"' && byte != '\'' && byte != '?';
+    std::array<bool, 256> flags = {};
+    for (unsigned byte = 0x20; byte < 0x7F; ++byte)
+    {
+        flags[byte] =
+            byte != '<' && byte != '>' && byte != '&' && byte != '"' && byte != '\'' && byte != '?';
+    }
+    return flags;
+}
+
+constexpr std::array<bool, 256> plainFlags = makePlainFlags();
+
+std::size_t countPlain(std::string_view text) noexcept
+{
+    std::size_t count = 0;
+    while (count < text.size() && plainFlags[static_cast<unsigned char>(text[count])])
+    {
+        ++count;
+    }
+    return count;
 }
 
 void append(std::string& xml, char32_t code)
@@ -67,8 +84,7 @@ void appendXmlText(std::string& xml, std::string_view text)
 {
     while (!text.empty())
     {
-        auto const special = std::find_if_not(text.begin(), text.end(), isPlainByte);
-        auto const plain = static_cast<std::size_t>(special - text.begin());
+        std::size_t const plain = countPlain(text);
         xml += text.substr(0, plain);
         text.remove_prefix(plain);
         text.remove_prefix(text.empty() ? 0 : appendFirst(xml, text));

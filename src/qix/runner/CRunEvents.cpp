@@ -1,7 +1,5 @@
 #include "runner/CRunEvents.h"
 
-#include <qix/ILocatedItem.h>
-
 #include <algorithm>
 #include <limits>
 #include <new>
@@ -30,16 +28,6 @@ void tell(CListeners::Snapshot const& listeners, std::uint64_t lastListener,
 void tellAll(std::function<void(ITestListener&)> const& tellOne)
 {
     tell(CListeners::get().getSnapshot(), allListeners, tellOne);
-}
-
-std::optional<SourceLocation> locationOf(ITestItem* item)
-{
-    auto const* const located = dynamic_cast<ILocatedItem const*>(item);
-    if (located == nullptr || located->getLocation().file == nullptr)
-    {
-        return std::nullopt;
-    }
-    return located->getLocation();
 }
 
 std::optional<SourceLocation> reportedLocation()
@@ -77,6 +65,7 @@ void CRunEvents::forgetAnnounced() noexcept
 
 void CRunEvents::beginRun(RunInfo const& run)
 {
+    m_located = TFacetFinder<ILocatedItem>();
     tellAll([&](ITestListener& listener) { listener.onRunBegin(run); });
 }
 
@@ -114,6 +103,16 @@ TestInfo CRunEvents::makeInfo(std::vector<std::string> names, ITestItem::Duratio
             isInteractive,
             announced ? announced->item : nullptr,
             announced ? locationOf(announced->item) : reportedLocation()};
+}
+
+std::optional<SourceLocation> CRunEvents::locationOf(ITestItem const* item)
+{
+    ILocatedItem const* const located = m_located.find(item);
+    if (located == nullptr || located->getLocation().file == nullptr)
+    {
+        return std::nullopt;
+    }
+    return located->getLocation();
 }
 
 void CRunEvents::noteEnding(ITestRunner const* runner, std::size_t depth, TestOutcome::Kind kind,

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <qix/ILocatedItem.h>
 #include <qix/ITestListener.h>
 #include <qix/ITestRunner.h>
 
+#include "model/TFacetFinder.h"
 #include "model/outcomes.h"
 #include "runner/CListeners.h"
 
@@ -81,11 +83,13 @@ private:
 
     TestInfo makeInfo(std::vector<std::string> names, ITestItem::Duration duration,
                       bool isInteractive);
+    std::optional<SourceLocation> locationOf(ITestItem const* item);
     Running* find(ITestRunner const* runner, std::size_t depth) noexcept;
     void endInnermost();
 
     std::optional<Announced> m_announced;
-    std::deque<Running> m_running; ///< a deque, since listeners may run tests themselves
+    TFacetFinder<ILocatedItem> m_located; ///< begins anew with each run
+    std::deque<Running> m_running;        ///< a deque, since listeners may run tests themselves
 };
 
 /// Announces an item while its beginning is called.

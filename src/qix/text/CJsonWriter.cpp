@@ -3,6 +3,7 @@
 #include "text/utf8.h"
 
 #include <array>
+#include <charconv>
 #include <utility>
 
 namespace qix
@@ -127,11 +128,25 @@ void CJsonWriter::end(char bracket)
 
 void CJsonWriter::key(std::string_view name)
 {
-    separate();
-    m_text += '"';
-    m_text += name;
-    m_text += "\":";
+    // At once, since there are more keys than anything else.
+    std::array<char, 34> text;
+    std::size_t size = 0;
+    if (m_needsComma)
+    {
+        text[size++] = ',';
+    }
+    text[size++] = '"';
+    size += name.copy(text.data() + size, text.size() - size - 2);
+    text[size++] = '"';
+    text[size++] = ':';
+    m_text.append(text.data(), size);
     m_needsComma = false;
+}
+
+void CJsonWriter::written(std::string_view json)
+{
+    separate();
+    m_text += json;
 }
 
 void CJsonWriter::value(std::string_view text)
@@ -155,9 +170,20 @@ void CJsonWriter::value(bool isTrue)
 void CJsonWriter::seconds(std::uint64_t microseconds)
 {
     constexpr std::uint64_t ofOneSecond = 1000000;
+    std::array<char, 32> digits;
+    char* const point = std::to_chars(digits.begin(), digits.end(), microseconds / ofOneSecond).ptr;
+    // The one in front of the fraction makes it six digits long, and becomes the point.
+    char* const end =
+        std::to_chars(point, digits.end(), ofOneSecond + microseconds % ofOneSecond).ptr;
+    *point = '.';
     separate();
-    m_text += std::to_string(microseconds / ofOneSecond) + '.' +
-              std::to_string(ofOneSecond + microseconds % ofOneSecond).substr(1);
+    m_text.append(digits.data(), end);
+}
+
+void CJsonWriter::clear() noexcept
+{
+    m_text.clear();
+    m_needsComma = false;
 }
 
 std::string CJsonWriter::take()

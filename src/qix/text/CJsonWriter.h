@@ -25,8 +25,11 @@ public:
     void beginArray() { begin('['); }
     void endArray() { end(']'); }
 
-    /// The name of the value that follows: letters and digits.
+    /// The name of the value that follows: up to 30 letters and digits.
     void key(std::string_view name);
+
+    /// Members of an object, or elements of an array, that have been written already.
+    void written(std::string_view json);
 
     /// A text, as by appendJsonText().
     void value(std::string_view text);
@@ -41,7 +44,10 @@ public:
     /// What has been written so far.
     std::string const& text() const noexcept { return m_text; }
 
-    /// The same, which is taken out: the writer begins anew.
+    /// Begins anew, and keeps the memory.
+    void clear() noexcept;
+
+    /// What has been written so far, which is taken out: the writer begins anew.
     std::string take();
 
     /// The same. Both texts keep their memory, so that nothing is taken from the heap when this is
