@@ -170,7 +170,7 @@ void CPlannedRunner::openAs(CPlannedRunner const& other)
 
 void CPlannedRunner::runTestItem(ITestItem* item)
 {
-    if (hasStopped())
+    if (hasReachedFailureLimit())
     {
         return;
     }

@@ -65,7 +65,7 @@ public:
     void setFailureLimit(std::uint64_t limit) noexcept { m_failureLimit = limit; }
 
     /// True when no further test begins.
-    virtual bool hasStopped() const noexcept { return m_failedTests >= m_failureLimit; }
+    virtual bool hasStopped() const noexcept { return hasReachedFailureLimit(); }
 
     /// What has stopped the run, once it has stopped.
     virtual std::string reasonForStop() const { return "--fail-fast"; }
@@ -164,6 +164,7 @@ private:
         std::unordered_map<std::string, std::size_t> siblings;    ///< how many of each name
     };
 
+    bool hasReachedFailureLimit() const noexcept { return m_failedTests >= m_failureLimit; }
     void nameUnknown(Open& open, std::string const& name);
     std::string const& idOf(Open& open);
     Child nextChild(ITestItem* item);

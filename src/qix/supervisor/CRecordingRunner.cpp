@@ -22,12 +22,6 @@ namespace qix
 namespace
 {
 
-Moment momentNow()
-{
-    return {std::time(nullptr),
-            std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1)};
-}
-
 void addLocation(CMessageWriter& message, SourceLocation const& location)
 {
     message.add(std::string_view(location.file == nullptr ? "" : location.file));
@@ -89,16 +83,29 @@ void CRecordingRunner::runUnit(Unit const& unit, IMessageSink& sink)
     runOpen(*unit.item, m_isMeasured);
 }
 
+/// By clocks that stand still while the process is stopped.
+Moment CRecordingRunner::now() const
+{
+    std::chrono::nanoseconds const suspended = m_sink->suspended();
+    auto const steady = std::chrono::steady_clock::now().time_since_epoch() - suspended;
+    return {std::time(nullptr) - suspended / std::chrono::seconds(1),
+            steady / std::chrono::nanoseconds(1)};
+}
+
 /// Runs the item that is open, and closes it.
 void CRecordingRunner::runOpen(ITestItem& item, bool isMeasured)
 {
     std::size_t const itsDepth = depth();
-    Moment const begin = momentNow();
+    Moment const begin = now();
     detail::lastPassedCheck = {};
     TestOutcome const outcome = outcomeOf(item);
+    if (outcome.kind == TestOutcome::Failed)
+    {
+        m_sink->noteFailure();
+    }
     CMessageWriter message(MessageKind::ItemEnd);
     addMoment(message, begin);
-    addMoment(message, momentNow());
+    addMoment(message, now());
     addOutcome(message, outcome);
     std::vector<zel::String> const& lines = item.getLog();
     message.add(lines.size());
@@ -214,7 +221,7 @@ bool CRecordingRunner::beginSubTest(std::string const& name, ITestItem::Duration
         .add(containsAnyInteractive ? 1 : 0);
     SourceLocation const* const location = CReportedLocation::get();
     addLocation(message, location == nullptr ? SourceLocation{nullptr, 0} : *location);
-    addMoment(message, momentNow());
+    addMoment(message, now());
     if (!isBegun)
     {
         flushOutput();
@@ -238,6 +245,7 @@ bool CRecordingRunner::beginFiltered(std::string const& name, ITestItem::Duratio
 
 void CRecordingRunner::endSubTest_Failed(std::exception const& e)
 {
+    m_sink->noteFailure();
     tellEnd(TestOutcome::Failed, &e, true);
 }
 
@@ -266,7 +274,7 @@ void CRecordingRunner::tellEnd(TestOutcome::Kind kind, std::exception const* exc
                                bool isPrinted)
 {
     CMessageWriter message(MessageKind::End);
-    addMoment(message, momentNow());
+    addMoment(message, now());
     message.add(exception == nullptr ? 0 : 1);
     addOutcome(message, makeOutcome(kind, exception));
     if (isPrinted)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "planning/CPlannedRunner.h"
+#include "supervisor/IReplayTarget.h"
 #include "supervisor/Unit.h"
 
 #include <qix/TestOutcome.h>
@@ -37,6 +38,7 @@ private:
     bool beginFiltered(std::string const& name, ITestItem::Duration duration, bool isInteractive,
                        bool containsAnyInteractive) override;
 
+    Moment now() const;
     void runOpen(ITestItem& item, bool isMeasured);
     TestOutcome outcomeOf(ITestItem& item);
     void tellEnd(TestOutcome::Kind kind, std::exception const* exception, bool isPrinted);

@@ -106,8 +106,10 @@ private:
         m_ownUnit.assign(1, {noNode, m_child.item, limitOfTest(*m_child.item, m_runner.m_options)});
         CrewOptions options;
         options.firstSlot = m_runner.processes() + 1;
+        options.isCounted = false;
         options.isInteractive = m_child.item->isInteractive();
-        m_ownCrew = std::make_unique<CCrew>(m_ownUnit, options, *m_runner.m_recorder);
+        m_ownCrew =
+            std::make_unique<CCrew>(m_ownUnit, options, *m_runner.m_recorder, *m_runner.m_terminal);
         return *m_ownCrew;
     }
 
@@ -115,17 +117,22 @@ private:
     IMessageSource& openWithRetries(std::size_t unit)
     {
         TestProcess& process = m_runner.m_process;
+        bool const isCounted = m_crew == m_runner.m_crew.get();
         m_recorded = record(*std::exchange(m_crew, nullptr), unit, process.worker);
         std::optional<std::string> const failure = m_recorded->firstFailure();
         bool isFlaky = false;
-        for (std::uint64_t left = m_runner.m_options.retries; left > 0 && failure && !isFlaky;
-             --left)
+        for (std::uint64_t left = m_runner.m_options.retries;
+             left > 0 && failure && !isFlaky && CInterrupts::signal() == 0; --left)
         {
             unsigned worker = 0;
             auto again = record(makeCrew(), 0, worker);
             isFlaky = !again->firstFailure();
             if (isFlaky && !m_runner.m_options.failsByFlaky)
             {
+                if (isCounted)
+                {
+                    m_runner.m_crew->takeBackFailure();
+                }
                 m_recorded = std::move(again);
                 process.worker = worker;
             }
@@ -181,16 +188,18 @@ unsigned CSupervisedRunner::processes() const
 bool CSupervisedRunner::runPlan()
 {
     CInterrupts const interrupts;
+    m_terminal.emplace(static_cast<IRunObserver&>(*this));
     m_recorder->recordFor(*this, m_options.isolate);
     listUnits();
     CrewOptions options;
     options.processes = processes();
     options.isIsolated = m_options.isolate;
-    m_crew = std::make_unique<CCrew>(m_units, options, *m_recorder);
+    m_crew = std::make_unique<CCrew>(m_units, options, *m_recorder, *m_terminal);
     bool const hasPassed = CPlannedRunner::runPlan();
     m_crew->finish();
     m_hasEndedBadly = m_hasEndedBadly || m_crew->hasEndedBadly();
     m_crew.reset();
+    m_terminal.reset();
     return hasPassed;
 }
 
@@ -277,6 +286,33 @@ std::vector<NodeIndex> CSupervisedRunner::childrenOf(NodeIndex parent) const
     return children;
 }
 
+/// Once the run is interrupted, that is told only which has begun before.
+void CSupervisedRunner::runChild(Child const& child)
+{
+    bool const isLeftOut = CInterrupts::signal() != 0 && !m_isReplaying && !hasAnyBegun(child.node);
+    if (!isLeftOut)
+    {
+        CPlannedRunner::runChild(child);
+    }
+}
+
+bool CSupervisedRunner::hasAnyBegun(NodeIndex node)
+{
+    if (node == noNode)
+    {
+        return false;
+    }
+    m_crew->awaitEnd();
+    CTestTree const& tree = plan().tree();
+    bool isFound = false;
+    for (NodeIndex test = node; test < tree[node].end && !isFound; ++test)
+    {
+        std::size_t const unit = m_unitOfNode[test];
+        isFound = unit != noUnit && m_crew->hasBegun(unit);
+    }
+    return isFound;
+}
+
 void CSupervisedRunner::runItem(Child const& child)
 {
     bool const isOwn = m_isReplaying || child.item == nullptr || isLibraryGroup(*child.item);
@@ -297,7 +333,7 @@ void CSupervisedRunner::runUnit(Child const& child)
     CUnitSource source(*this, child);
     CReplay replay(source, *this);
     zel::P<ITestItem> const standIn = replay.standInFor(*child.item);
-    {
+        {
         CFlagWhileAlive const replaying(m_isReplaying);
         CPlannedRunner::runItem({child.node, standIn.get()});
     }
@@ -354,6 +390,21 @@ void CSupervisedRunner::setTimes(std::size_t depth, std::time_t seconds, Clock::
     if (CListeners::areThere())
     {
         CRunEvents::ofThisThread().setBegin(this, depth, begin);
+    }
+}
+
+std::string CSupervisedRunner::nameOf(Unit const& unit) const
+{
+    return unit.node == noNode ? unit.item->getName() : plan().tree().idOf(unit.node);
+}
+
+/// What is played back is told by clocks that have stood still.
+void CSupervisedRunner::goOnAfter(std::chrono::nanoseconds pause)
+{
+    for (std::size_t depth = 1; depth <= m_unitDepth && isAtDepth(depth); ++depth)
+    {
+        setTimes(depth, m_running[depth - 1].startTime + pause / std::chrono::seconds(1),
+                 getBeginTime(depth) + pause);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "supervisor/IReplayTarget.h"
 #include "supervisor/Unit.h"
 #include "supervisor/posix/CCrew.h"
+#include "supervisor/posix/CRunTerminal.h"
 
 #include <chrono>
 #include <cstddef>
@@ -21,7 +22,7 @@ namespace qix
 
 /// Runs what is in a plan as ever, but for the tests themselves: these run in other processes, and
 /// what they have done there is played back where they would have run.
-class CSupervisedRunner : public CPlannedRunner, private IReplayTarget
+class CSupervisedRunner : public CPlannedRunner, private IReplayTarget, private IRunObserver
 {
 public:
     /// \param options  outlive the runner
@@ -39,6 +40,7 @@ public:
     bool hasTrouble() const noexcept override { return m_hasEndedBadly; }
 
 private:
+    void runChild(Child const& child) override;
     void runItem(Child const& child) override;
 
     void runHanded(std::uint32_t node, ITestItem* item) override;
@@ -48,12 +50,16 @@ private:
 
     void noteUsage(ProcessUsage const& usage) override { m_process.usage = usage; }
 
+    std::string nameOf(Unit const& unit) const override;
+    void goOnAfter(std::chrono::nanoseconds pause) override;
+
     void setTimes(std::size_t depth, std::time_t seconds, Clock::time_point begin);
     bool isAtDepth(std::size_t depth) const;
     std::vector<NodeIndex> childrenOf(NodeIndex parent) const;
     void listUnits();
     void addUnits(NodeIndex parent);
     void runUnit(Child const& child);
+    bool hasAnyBegun(NodeIndex node);
     void noteFlaky(NodeIndex node);
     void tellLeftover(std::string const& command) const;
     unsigned processes() const;
@@ -64,7 +70,8 @@ private:
     RunOptions const& m_options;
     zel::P<CRecordingRunner> m_recorder;
     std::vector<Unit> m_units;
-    std::vector<std::size_t> m_unitOfNode; ///< its index among the units, or noUnit
+    std::vector<std::size_t> m_unitOfNode;  ///< its index among the units, or noUnit
+    std::optional<CRunTerminal> m_terminal; ///< while the plan is run
     std::unique_ptr<CCrew> m_crew;
     std::size_t m_nextUnit = 0; ///< those before it are gone
     std::vector<std::string> m_flaky;

@@ -2,6 +2,7 @@
 
 #include <zel/String.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -34,6 +35,12 @@ class IMessageSink
 public:
     virtual ~IMessageSink() = default;
     virtual void send(std::string_view message) = 0;
+
+    /// Something in the unit that is being run has failed.
+    virtual void noteFailure() {}
+
+    /// For how long this process has been stopped, in all; that time does not count.
+    virtual std::chrono::nanoseconds suspended() const { return std::chrono::nanoseconds(0); }
 };
 
 /// Makes one message. Numbers and texts are read in the order in which they were added. The memory

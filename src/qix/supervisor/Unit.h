@@ -38,6 +38,7 @@ struct CrewOptions
     unsigned processes = 1;     ///< that run tests at a time
     unsigned firstSlot = 1;     ///< the number of the first one
     bool isIsolated = false;    ///< each unit has a process of its own
+    bool isCounted = true;      ///< among what has been done and what there is to do
     bool isInteractive = false; ///< the unit has the terminal for itself, and nothing is captured
 };
 

@@ -4,6 +4,7 @@
 
 #include "supervisor/posix/CInterrupts.h"
 #include "supervisor/posix/CKeeper.h"
+#include "supervisor/posix/CRunTerminal.h"
 
 #include <algorithm>
 #include <array>
@@ -33,12 +34,26 @@ constexpr std::size_t roomWorthCompacting = 1U << 16U;
 constexpr int longestWait = 50; ///< milliseconds
 constexpr std::size_t unitsBetweenLooks = 128;
 constexpr char const interruptedText[] = "the run was interrupted";
+/// What comes behind the waiting may be printed.
+class CProgressHider
+{
+public:
+    explicit CProgressHider(CRunTerminal& terminal) noexcept : m_terminal(terminal) {}
+    CProgressHider(CProgressHider const&) = delete;
+    CProgressHider& operator=(CProgressHider const&) = delete;
+    ~CProgressHider() { m_terminal.hideProgress(); }
+
+private:
+    CRunTerminal& m_terminal;
+};
+
 constexpr char const lostText[] = "the process that watches over the test's process was ended";
 
 } // namespace
 
-CCrew::CCrew(std::vector<Unit> const& units, CrewOptions const& options, IUnitRunner& runner)
-    : m_units(units), m_options(options), m_runner(runner), m_wake(makePipe())
+CCrew::CCrew(std::vector<Unit> const& units, CrewOptions const& options, IUnitRunner& runner,
+             CRunTerminal& terminal)
+    : m_units(units), m_options(options), m_runner(runner), m_terminal(terminal), m_wake(makePipe())
 {
     fcntl(m_wake.reader.get(), F_SETFL, O_NONBLOCK);
     fcntl(m_wake.writer.get(), F_SETFL, O_NONBLOCK);
@@ -50,11 +65,13 @@ CCrew::CCrew(std::vector<Unit> const& units, CrewOptions const& options, IUnitRu
                                                    *m_state, m_wake.writer.get());
         startKeeper(m_places[i]);
     }
+    m_terminal.add(*this);
 }
 
 CCrew::~CCrew()
 {
     finish();
+    m_terminal.remove(*this);
 }
 
 /// What waits in a buffer would be printed by both processes.
@@ -83,6 +100,8 @@ IMessageSource& CCrew::open(std::size_t unit)
     {
         drainAll();
     }
+    CProgressHider const hider(m_terminal);
+    m_terminal.stopIfAsked();
     for (;;)
     {
         auto const found =
@@ -119,8 +138,12 @@ bool CCrew::areKeepersLeft() const
 }
 
 /// Ends what is running, as if it had taken too long.
-void CCrew::interrupt()
+void CCrew::endIfInterrupted()
 {
+    if (CInterrupts::signal() == 0 || m_isInterrupted)
+    {
+        return;
+    }
     m_isInterrupted = true;
     m_state->isStopped = 1;
     for (Place const& place : m_places)
@@ -164,6 +187,7 @@ bool CCrew::hasBegun(Place& place, std::size_t unit)
 
 CMessageReader CCrew::next()
 {
+    CProgressHider const hider(m_terminal);
     while (!m_isAtEnd)
     {
         if (!takeMessage(*m_open))
@@ -203,6 +227,7 @@ void CCrew::print(PrintedText const& text) const
 {
     if (m_printed == nullptr)
     {
+        m_terminal.hideProgress();
         text.print();
         return;
     }
@@ -253,6 +278,11 @@ bool CCrew::takeMessage(Place& place)
 /// \param hungry  the place whose messages have all been played back, if any has
 void CCrew::wait(Place* hungry)
 {
+    m_terminal.stopIfAsked();
+    if (!m_options.isInteractive)
+    {
+        m_terminal.showProgress();
+    }
     m_state->isWaiting = 1;
     if (hungry != nullptr)
     {
@@ -271,10 +301,7 @@ void CCrew::wait(Place* hungry)
         hungry->slot->state().isHungry = 0;
     }
     takeAll();
-    if (CInterrupts::signal() != 0 && !m_isInterrupted)
-    {
-        interrupt();
-    }
+    endIfInterrupted();
     if (isIdle || m_isInterrupted)
     {
         checkKeepers();
@@ -376,6 +403,12 @@ void CCrew::finish()
     {
         return;
     }
+    awaitEnd();
+    printRest();
+}
+
+void CCrew::awaitEnd()
+{
     m_state->isStopped = 1;
     for (Place const& place : m_places)
     {
@@ -389,9 +422,21 @@ void CCrew::finish()
     {
         sleepUntilWoken(1);
         takeAll();
+        endIfInterrupted();
         checkKeepers();
     }
-    printRest();
+}
+
+/// What has been taken begins in the order in which it was taken.
+bool CCrew::hasBegun(std::size_t unit) const
+{
+    return unit < m_state->nextUnit &&
+           std::none_of(m_places.begin(), m_places.end(),
+                        [unit](Place const& place)
+                        {
+                            SlotState const& state = place.slot->state();
+                            return state.isUnitLeft != 0 && state.unit == unit;
+                        });
 }
 
 void CCrew::printRest()

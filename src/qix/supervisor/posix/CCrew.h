@@ -19,6 +19,9 @@
 namespace qix
 {
 
+class CRunTerminal;
+struct RunProgress;
+
 /// The processes that run the units of one run, and what they tell.
 ///
 /// Each process takes the unit that is next, so that what the process of a slot tells is in the
@@ -27,9 +30,11 @@ class CCrew : private IMessageSource
 {
 public:
     /// Forks the processes.
-    /// \param units   outlive the crew
-    /// \param runner  runs the units in the other processes
-    CCrew(std::vector<Unit> const& units, CrewOptions const& options, IUnitRunner& runner);
+    /// \param units     outlive the crew
+    /// \param runner    runs the units in the other processes
+    /// \param terminal  outlives the crew
+    CCrew(std::vector<Unit> const& units, CrewOptions const& options, IUnitRunner& runner,
+          CRunTerminal& terminal);
     CCrew(CCrew const&) = delete;
     CCrew& operator=(CCrew const&) = delete;
 
@@ -53,6 +58,25 @@ public:
     /// True when a process has crashed or failed at its end, behind its last unit.
     bool hasEndedBadly() const noexcept { return m_state->hasEndedBadly != 0; }
 
+    /// @{
+    /// Lets all processes stop, and go on. They are not stopped at once.
+    void suspend();
+    void resume();
+    bool isSuspended() const;
+    /// @}
+
+    /// Adds what the processes have done and are doing.
+    void addTo(RunProgress& progress) const;
+
+    /// A unit that has failed has passed when it was tried again.
+    void takeBackFailure() noexcept { --m_state->failedUnits; }
+
+    /// Waits for the ends of all processes. No unit begins any more.
+    void awaitEnd();
+
+    /// True when the unit has begun, and may have ended.
+    bool hasBegun(std::size_t unit) const;
+
     /// Waits for the ends of all processes, and prints what they have printed at their ends.
     void finish();
 
@@ -73,6 +97,7 @@ private:
     CMessageReader next() override;
 
     void startKeeper(Place& place);
+    void wakeKeepers() const;
     bool takeMessage(Place& place);
     bool hasBegun(Place& place, std::size_t unit);
     static PrintedText takePrinted(Place& place, CMessageReader message);
@@ -83,7 +108,7 @@ private:
     void takeAll();
     void printRest();
     void checkKeepers();
-    void interrupt();
+    void endIfInterrupted();
     bool areKeepersLeft() const;
     IMessageSource& openNothing();
     void replaceKeeper(Place& place);
@@ -91,6 +116,7 @@ private:
     std::vector<Unit> const& m_units;
     CrewOptions m_options;
     IUnitRunner& m_runner;
+    CRunTerminal& m_terminal;
     TSharedMemory<CrewState> m_state;
     Pipe m_wake;
     std::vector<Place> m_places;

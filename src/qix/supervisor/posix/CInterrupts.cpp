@@ -10,8 +10,14 @@ namespace
 
 volatile std::sig_atomic_t g_signal = 0;
 
+/// By a second one the process ends once the handler returns.
 void note(int signal)
 {
+    if (g_signal != 0)
+    {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
     g_signal = signal;
 }
 
@@ -19,7 +25,6 @@ void handle(int signal, struct sigaction& before) noexcept
 {
     struct sigaction action = {};
     action.sa_handler = &note;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(signal, nullptr, &before);
     if (before.sa_handler != SIG_IGN)
     {

@@ -6,6 +6,7 @@
 #include "supervisor/posix/endOfProcess.h"
 #include "supervisor/posix/processTree.h"
 #include "supervisor/posix/processUsage.h"
+#include "supervisor/posix/slotTime.h"
 #include "supervisor/posix/stackText.h"
 #include "supervisor/posix/threadStacks.h"
 
@@ -59,7 +60,7 @@ sigset_t setOf(std::initializer_list<int> signals) noexcept
 
 sigset_t awaitedSignals() noexcept
 {
-    return setOf({SIGCHLD, SIGTERM});
+    return setOf({SIGCHLD, SIGTERM, SIGTSTP});
 }
 
 /// Those by which a terminal ends a whole group are the supervisor's.
@@ -115,6 +116,7 @@ void CKeeper::prepare()
     sigprocmask(SIG_BLOCK, &blocked, &m_signalsOfTests);
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
+    std::signal(SIGTSTP, SIG_DFL);
     CCrashGuard::leaveSignals();
     noteEnding(m_work.slot.state().crash);
     if (m_work.options.isInteractive)
@@ -220,6 +222,15 @@ std::string CKeeper::describeTimeUp() const
 /// Also takes notice of processes that were left to this one.
 void CKeeper::awaitEvent()
 {
+    awaitSignal();
+    if (m_work.crew.isSuspended != 0 && !m_isAsked)
+    {
+        suspend();
+    }
+}
+
+void CKeeper::awaitSignal()
+{
     sigset_t const awaited = awaitedSignals();
     constexpr timespec time = {0, std::chrono::nanoseconds(longestWait).count()};
     int const signal = sigtimedwait(&awaited, nullptr, &time);
@@ -228,6 +239,25 @@ void CKeeper::awaitEvent()
         endAll();
     }
     m_isAsked = m_isAsked || signal == SIGTERM;
+}
+
+/// Keeps all that runs here stopped until the supervisor goes on.
+void CKeeper::suspend()
+{
+    SlotState& state = m_work.slot.state();
+    auto const begin = Clock::now();
+    std::vector<pid_t> const stopped = stopDescendants();
+    state.isSuspended = 1;
+    while (m_work.crew.isSuspended != 0 && !m_isAsked)
+    {
+        awaitSignal();
+    }
+    state.suspended += (Clock::now() - begin) / std::chrono::nanoseconds(1);
+    state.isSuspended = 0;
+    for (pid_t const process : stopped)
+    {
+        kill(process, SIGCONT);
+    }
 }
 
 bool CKeeper::isOrphaned() const noexcept
@@ -254,8 +284,7 @@ void CKeeper::reap()
 bool CKeeper::isTimeUp() const
 {
     SlotState const& state = m_work.slot.state();
-    auto const taken = std::chrono::steady_clock::now().time_since_epoch() -
-                       std::chrono::nanoseconds(state.unitBegin);
+    std::chrono::nanoseconds const taken(slotTime(state) - state.unitBegin);
     if (state.isEnding != 0)
     {
         return taken > timeForExit;
@@ -274,12 +303,14 @@ void CKeeper::endWorker(std::string const& reason)
         kill(process, SIGTERM);
         kill(process, SIGCONT);
     }
-    awaitEnd(Clock::now() + grace);
+    awaitEnd(grace);
 }
 
-void CKeeper::awaitEnd(Clock::time_point deadline)
+void CKeeper::awaitEnd(std::chrono::nanoseconds longest)
 {
-    for (reap(); m_worker != 0 && Clock::now() < deadline; reap())
+    SlotState const& state = m_work.slot.state();
+    std::int64_t const deadline = slotTime(state) + longest.count();
+    for (reap(); m_worker != 0 && slotTime(state) < deadline; reap())
     {
         awaitEvent();
     }
@@ -356,6 +387,7 @@ void CKeeper::tellDeath()
         addUsage(message, usageOf(m_usage));
     }
     ring.send(message.bytes());
+    ++m_work.crew.failedUnits;
     state.isUnitLeft = 0;
 }
 

@@ -33,12 +33,14 @@ private:
     [[noreturn]] void runWorker();
     void superviseWorker();
     void awaitEvent();
+    void awaitSignal();
+    void suspend();
     void reap();
     std::string describeTimeUp() const;
     bool isTimeUp() const;
     void endTooLong();
     void endWorker(std::string const& reason);
-    void awaitEnd(std::chrono::steady_clock::time_point deadline);
+    void awaitEnd(std::chrono::nanoseconds longest);
     void endAll();
     void endLeftovers();
     void tellEnd();

@@ -1,6 +1,7 @@
 #include "supervisor/posix/CWorker.h"
 
 #include "supervisor/posix/processTree.h"
+#include "supervisor/posix/slotTime.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,11 +30,6 @@ constexpr std::chrono::microseconds quick(20);
 
 /// How long nobody looks at what quick units have left of the process.
 constexpr std::chrono::microseconds longestUnseen(500);
-
-std::int64_t now() noexcept
-{
-    return std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
-}
 
 constexpr std::int64_t inNanoseconds(std::chrono::nanoseconds time) noexcept
 {
@@ -78,7 +74,7 @@ void CWorker::run()
             break;
         }
     }
-    m_work.slot.state().unitBegin = now();
+    m_work.slot.state().unitBegin = slotTime(m_work.slot.state());
     m_work.slot.state().isEnding = 1;
     // What has been counted, and what sanitizers have to tell, is written by exit() only.
     std::exit(EXIT_SUCCESS);
@@ -117,8 +113,9 @@ void CWorker::runUnit(std::uint64_t index)
 {
     SlotState& state = m_work.slot.state();
     Unit const& unit = m_work.units[index];
-    state.unitBegin = now();
+    state.unitBegin = slotTime(state);
     state.isInUnit = 1;
+    m_hasFailed = false;
     m_work.slot.ring().send(CMessageWriter(MessageKind::UnitBegin).add(index).bytes());
     m_work.runner.runUnit(unit, *this);
     endUnit(index);
@@ -129,6 +126,7 @@ void CWorker::endUnit(std::uint64_t index)
     SlotState& state = m_work.slot.state();
     lookAtProcess();
     m_printed.beginUnit();
+    m_work.crew.failedUnits += m_hasFailed ? 1 : 0;
     if (m_work.options.isIsolated)
     {
         // The keeper tells of the end when the process has ended.
@@ -148,7 +146,7 @@ void CWorker::endUnit(std::uint64_t index)
 /// Costs more than a quick unit, and so is done once for several of these.
 void CWorker::lookAtProcess()
 {
-    std::int64_t const end = now();
+    std::int64_t const end = slotTime(m_work.slot.state());
     bool const isQuick = end - m_work.slot.state().unitBegin < inNanoseconds(quick) &&
                          end - m_lastLook < inNanoseconds(longestUnseen);
     if (isQuick && !m_work.options.isIsolated)
@@ -170,6 +168,11 @@ void CWorker::tellLeftover(pid_t process)
 {
     m_work.slot.ring().send(
         CMessageWriter(MessageKind::Leftover).add(std::string_view(commandOf(process))).bytes());
+}
+
+std::chrono::nanoseconds CWorker::suspended() const
+{
+    return std::chrono::nanoseconds(m_work.slot.state().suspended);
 }
 
 void CWorker::send(std::string_view message)

@@ -22,6 +22,8 @@ public:
 
 private:
     void send(std::string_view message) override;
+    void noteFailure() override { m_hasFailed = true; }
+    std::chrono::nanoseconds suspended() const override;
 
     std::optional<std::uint64_t> takeUnit();
     bool mayBegin(std::uint64_t unit) const noexcept;
@@ -36,6 +38,7 @@ private:
     pid_t m_keeper; ///< the parent, as long as it is there
     CPrintedTeller m_printed;
     std::int64_t m_lastLook = 0; ///< at what units have left of the process, in nanoseconds
+    bool m_hasFailed = false;    ///< the unit that is being run
     bool m_isIntact = true;      ///< no test has spoilt the process for the next ones
     long m_childFaults = 0;      ///< of ended children: another number tells of a new one
 };

@@ -23,6 +23,8 @@ struct CrewState
     alignas(cacheLine) std::atomic<std::uint32_t> isWaiting{0};
     std::atomic<std::uint32_t> isOverfull{0};    ///< nobody takes a unit but the one that is wanted
     std::atomic<std::uint32_t> isStopped{0};     ///< nobody takes a unit
+    std::atomic<std::uint32_t> isSuspended{0};   ///< nobody runs until the supervisor goes on
+    std::atomic<std::uint64_t> failedUnits{0};   ///< whose failures may not be told yet
     std::atomic<std::uint32_t> hasEndedBadly{0}; ///< a process, behind all of its units
 };
 
@@ -73,7 +75,9 @@ struct SlotState
     std::atomic<std::uint32_t> isEnding{0};  ///< the process has run all that it is going to run
     std::atomic<std::uint64_t> owed{0};      ///< bytes of a message that is being written in parts
     std::atomic<std::uint64_t> endOfTorn{0}; ///< of a message that nobody could complete
-    std::atomic<std::int64_t> unitBegin{0};  ///< or that of the end; nanoseconds
+    std::atomic<std::int64_t> unitBegin{0};  ///< or that of the end; by slotTime()
+    std::atomic<std::int64_t> suspended{0};  ///< nanoseconds for which all has been stopped
+    std::atomic<std::uint32_t> isSuspended{0};
     StreamState out;
     StreamState err;
     CrashState crash;

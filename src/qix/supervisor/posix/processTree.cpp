@@ -112,6 +112,29 @@ bool reapAll() noexcept
     return ended == 0;
 }
 
+/// One that was forked while the list was made is in the next one.
+std::vector<pid_t> stopDescendants()
+{
+    constexpr int mostRounds = 100;
+    std::vector<pid_t> stopped;
+    bool isAnyNew = true;
+    for (int round = 0; isAnyNew && round < mostRounds; ++round)
+    {
+        isAnyNew = false;
+        for (pid_t const process : listDescendants(getpid()))
+        {
+            bool const isKnown =
+                std::find(stopped.begin(), stopped.end(), process) != stopped.end();
+            if (!isKnown && statusOf(process).state != 'T' && kill(process, SIGSTOP) == 0)
+            {
+                stopped.push_back(process);
+                isAnyNew = true;
+            }
+        }
+    }
+    return stopped;
+}
+
 /// A list may miss one that was forked while it was made, whose parent has ended by then. Whoever
 /// loses its parent becomes a child of this process, so that there is an end for certain.
 void killDescendants()

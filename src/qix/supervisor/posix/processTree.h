@@ -23,6 +23,10 @@ std::string commandOf(pid_t process);
 /// Waits for those children of this process that have ended. True when others are left.
 bool reapAll() noexcept;
 
+/// Stops all descendants of this process, also those that are forked meanwhile.
+/// \return those that were not stopped already
+std::vector<pid_t> stopDescendants();
+
 /// Sends SIGKILL to all descendants of this process, which is a subreaper, again until none is
 /// left.
 void killDescendants();
