@@ -69,7 +69,11 @@ CMessageReader CRecordedUnit::next()
 {
     Entry& entry = m_entries[m_next];
     m_next += m_next + 1 < m_entries.size() ? 1 : 0;
-    std::exchange(entry.printed, PrintedText()).print();
+    PrintedText const printed = std::exchange(entry.printed, PrintedText());
+    if (!m_isMuted)
+    {
+        printed.print();
+    }
     return CMessageReader(entry.message);
 }
 

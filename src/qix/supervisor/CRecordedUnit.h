@@ -24,6 +24,7 @@ public:
     std::optional<std::string> firstFailure() const;
 
     CMessageReader next() override;
+    void mute(bool isMuted) override { m_isMuted = isMuted; }
 
 private:
     struct Entry
@@ -34,6 +35,7 @@ private:
 
     std::vector<Entry> m_entries;
     std::size_t m_next = 0;
+    bool m_isMuted = false;
 };
 
 } // namespace qix

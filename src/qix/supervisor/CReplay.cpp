@@ -238,9 +238,38 @@ void CReplay::end(ITestRunner& runner, CMessageReader message)
                   });
 }
 
+/// In its process nobody knew that no further test was to begin.
+void CReplay::leaveOutHanded()
+{
+    m_source.mute(true);
+    for (std::size_t open = 1; open > 0;)
+    {
+        switch (m_source.next().kind())
+        {
+        case MessageKind::Handed:
+            ++open;
+            break;
+        case MessageKind::HandedEnd:
+            --open;
+            break;
+        case MessageKind::Died:
+            open = 0;
+            break;
+        default:
+            break;
+        }
+    }
+    m_source.mute(false);
+}
+
 /// What leaves the runner has left it there, too: what came of it is told by what comes next.
 void CReplay::handOver(CMessageReader message)
 {
+    if (!m_target.isGoingOn())
+    {
+        leaveOutHanded();
+        return;
+    }
     auto const node = static_cast<std::uint32_t>(message.number());
     bool const isNull = message.number() != 0;
     std::string name(message.text());

@@ -34,6 +34,7 @@ private:
     void handOver(CMessageReader message);
     void endDied(CMessageReader message);
     void noteUsage(CMessageReader& message);
+    void leaveOutHanded();
     void endItem(CMessageReader message, std::size_t depth, std::vector<zel::String>& lines);
 
     IMessageSource& m_source;

@@ -70,6 +70,8 @@ public:
         return m_source->next();
     }
 
+    void mute(bool isMuted) override { m_source->mute(isMuted); }
+
     void close()
     {
         if (m_crew != nullptr)

@@ -43,6 +43,7 @@ private:
     void runChild(Child const& child) override;
     void runItem(Child const& child) override;
 
+    bool isGoingOn() const noexcept override { return !CPlannedRunner::hasStopped(); }
     void runHanded(std::uint32_t node, ITestItem* item) override;
     std::size_t depth() const override { return CPlannedRunner::depth(); }
     void setBegin(std::size_t depth, Moment const& begin) override;

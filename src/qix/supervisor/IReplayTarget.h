@@ -25,6 +25,9 @@ public:
 
     /// Does with the item what the runner in the test's process has done when it was handed over.
     /// \param node  where it stands in the tree; noNode when it is not there
+    /// False when nothing begins any more, so that what is handed over is left out.
+    virtual bool isGoingOn() const noexcept = 0;
+
     virtual void runHanded(std::uint32_t node, ITestItem* item) = 0;
 
     /// How many sub-tests are running, items among them.

@@ -225,6 +225,10 @@ PrintedText CCrew::takePrinted(Place& place, CMessageReader message)
 
 void CCrew::print(PrintedText const& text) const
 {
+    if (m_isMuted)
+    {
+        return;
+    }
     if (m_printed == nullptr)
     {
         m_terminal.hideProgress();
@@ -404,7 +408,25 @@ void CCrew::finish()
         return;
     }
     awaitEnd();
+    skipUntold();
     printRest();
+}
+
+/// What has run ahead of a run that has stopped is not told, nor what it has printed.
+void CCrew::skipUntold()
+{
+    drainAll();
+    for (Place& place : m_places)
+    {
+        while (takeMessage(place))
+        {
+            CMessageReader message(place.message);
+            if (message.kind() == MessageKind::Printed)
+            {
+                takePrinted(place, message);
+            }
+        }
+    }
 }
 
 void CCrew::awaitEnd()

@@ -95,6 +95,7 @@ private:
     };
 
     CMessageReader next() override;
+    void mute(bool isMuted) override { m_isMuted = isMuted; }
 
     void startKeeper(Place& place);
     void wakeKeepers() const;
@@ -106,6 +107,7 @@ private:
     bool sleepUntilWoken(int milliseconds);
     void drainAll();
     void takeAll();
+    void skipUntold();
     void printRest();
     void checkKeepers();
     void endIfInterrupted();
@@ -124,6 +126,7 @@ private:
     bool m_isAtEnd = false; ///< of the unit that is open
     std::vector<std::string> m_leftovers;
     PrintedText* m_printed = nullptr;
+    bool m_isMuted = false;
     bool m_isInterrupted = false;
     bool m_isFinished = false;
     unsigned m_replaced = 0;
