@@ -335,7 +335,7 @@ void CSupervisedRunner::runUnit(Child const& child)
     CUnitSource source(*this, child);
     CReplay replay(source, *this);
     zel::P<ITestItem> const standIn = replay.standInFor(*child.item);
-        {
+    {
         CFlagWhileAlive const replaying(m_isReplaying);
         CPlannedRunner::runItem({child.node, standIn.get()});
     }

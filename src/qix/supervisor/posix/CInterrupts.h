@@ -6,7 +6,8 @@ namespace qix
 {
 
 /// Takes notice of SIGINT and SIGTERM while it lives, instead of ending by them; by a second one,
-/// whichever of both, the process ends at once. A signal that is ignored stays ignored. There is never more than one object.
+/// whichever of both, the process ends at once. A signal that is ignored stays ignored. There is
+/// never more than one object.
 class CInterrupts
 {
 public:
