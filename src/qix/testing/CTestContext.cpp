@@ -256,11 +256,12 @@ SourceLocation CTestContext::location() const noexcept
 
 void CTestContext::noteThrown(char const* step, std::string const& what)
 {
-    std::string text = std::string(step) + " threw " + what + lastCheckText();
+    SourceLocation const at = location();
+    std::string text = std::string(step) + " threw " + what;
+    text += at.file == nullptr ? "" : lastCheckText();
     std::string const infos = infosOfThisThread();
     m_hasInfos = m_hasInfos || !infos.empty();
     text += infos.empty() ? "" : "\n" + infos;
-    SourceLocation const at = location();
     note({at.file == nullptr ? "" : at.file, at.line, "", text});
 }
 
