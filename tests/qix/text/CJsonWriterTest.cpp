@@ -45,6 +45,20 @@ TEST(CJsonWriter, separatesValues)
     EXPECT_EQ(writer.text(), "false");
 }
 
+TEST(CJsonWriter, takesWhatIsWrittenAlready)
+{
+    CJsonWriter writer;
+    writer.key("a");
+    writer.value("x");
+    writer.written(R"("b":1,"c":2)");
+    writer.key("d");
+    writer.seconds(999999);
+    EXPECT_EQ(writer.text(), R"("a":"x","b":1,"c":2,"d":0.999999)");
+    writer.clear();
+    writer.value(true);
+    EXPECT_EQ(writer.text(), "true");
+}
+
 TEST(CJsonWriter, escapesWhatJsonDoesNotTake)
 {
     EXPECT_EQ(quoted("a\"b\\c/d"), R"("a\"b\\c/d")");
