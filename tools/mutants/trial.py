@@ -440,12 +440,19 @@ class Copy:
                     self.seconds[test.name] = time.time() - began
                 return True, test
             output.seek(0)
-            started = re.findall(r'^\[ RUN      \] (\S+)', output.read(), re.M)
-        failed = test
-        if started and test.units:
-            failed = test.of([started[-1]])
-            failed.name = f'{test.name}.{started[-1]}'
+            failed = self.failed_unit(test, output.read())
         return (None if status is None else False), failed
+
+    @staticmethod
+    def failed_unit(test, output):
+        """The first one that failed, or the last one that began: those behind a failure are skipped."""
+        names = (re.findall(r'^\[  FAILED  \] ([^\s,]+)', output, re.M)[:1] or
+                 re.findall(r'^\[ RUN      \] (\S+)', output, re.M)[-1:])
+        if not test.units or not names or names[0] not in test.units:
+            return test
+        failed = test.of(names)
+        failed.name = f'{test.name}.{names[0]}'
+        return failed
 
     def contained(self, command):
         return ['unshare', '--mount', '--pid', '--fork', '--kill-child', '--mount-proc',
