@@ -180,8 +180,9 @@ TEST_F(Outcomes, ofSubTestsHaveTheirFailuresAndReasons)
     EXPECT_EQ(outcomes[1].kind, TestOutcome::Failed);
     EXPECT_THAT(outcomes[1].failures,
                 ElementsAre(IsFailure(begin + 5, "QIX_CHECK(1 == 2)", "with 1 == 2")));
-    EXPECT_EQ(outcomes[2].message, "boom");
-    EXPECT_EQ(outcomes[2].failures.at(0).values, "std::runtime_error: boom");
+    EXPECT_EQ(outcomes[2].message, "boom\n    testing/outcomesTest.cpp:" +
+                                       std::to_string(begin + 6) + ": it threw std::runtime_error");
+    EXPECT_EQ(outcomes[2].failures.at(0).values, "it threw std::runtime_error: boom");
     EXPECT_EQ(outcomes[3].kind, TestOutcome::Skipped);
     EXPECT_EQ(outcomes[3].reason, "no printer");
     EXPECT_EQ(outcomes[4].kind, TestOutcome::Aborted);
