@@ -256,14 +256,20 @@ TEST(CTestContext, threadsMayRecordLinesAtTheSameTime)
 /// \return how many children have ended with it
 int countForksWhileAnotherThreadWorks(std::function<void()> const& work)
 {
-    int count = 0;
+    // What the other thread leaves behind makes forks dearer, so it works so often for each.
+    constexpr int worksOfEachFork = 500;
+    std::atomic<int> count{0};
     std::atomic<bool> isStopped{false};
     std::thread thread(
         [&]
         {
-            while (!isStopped)
+            for (int done = 0; !isStopped;)
             {
-                work();
+                if (done < (count + 1) * worksOfEachFork)
+                {
+                    work();
+                    ++done;
+                }
             }
         });
     auto const workOnce = [&work]
