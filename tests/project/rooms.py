@@ -27,7 +27,7 @@ ROOMS = {
     'history': [],
     'options': ['guards', 'history', 'reporters'],
     'planning': ['guards', 'runner', 'registration', 'selection', 'history', 'options'],
-    'supervisor': ['guards', 'runner', 'options', 'planning'],
+    'supervisor': ['guards', 'runner', 'selection', 'options', 'planning'],
     'program': ['guards', 'runner', 'selection', 'history', 'reporters', 'options', 'planning',
                 'supervisor'],
 }

@@ -7,6 +7,7 @@
 #include "supervisor/CRecordedUnit.h"
 #include "supervisor/CReplay.h"
 #include "supervisor/posix/CInterrupts.h"
+#include "supervisor/timeLimits.h"
 
 #include <csignal>
 #include <ctime>
@@ -20,37 +21,6 @@ namespace
 {
 
 constexpr std::size_t noUnit = std::numeric_limits<std::size_t>::max();
-
-/// Three times what the class says, in seconds: machines differ.
-std::optional<std::uint64_t> longestTimeOf(ITestItem::Duration duration)
-{
-    switch (duration)
-    {
-    case ITestItem::Short:
-        return 60;
-    case ITestItem::Long:
-        return 9 * 60;
-    case ITestItem::VeryLong:
-        return 9 * 60 * 60;
-    default:
-        return std::nullopt;
-    }
-}
-
-/// What a test may take; nothing when it may take any time.
-std::optional<std::chrono::nanoseconds> limitOfTest(ITestItem const& item,
-                                                    RunOptions const& options)
-{
-    using Seconds = std::chrono::duration<double>;
-    std::optional<std::uint64_t> const limit =
-        options.timeLimit ? options.timeLimit : longestTimeOf(item.getDuration());
-    if (!options.hasTimeLimits || item.isInteractive() || !limit)
-    {
-        return std::nullopt;
-    }
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(
-        Seconds(static_cast<double>(*limit) * options.timeLimitFactor));
-}
 
 } // namespace
 
@@ -105,7 +75,7 @@ private:
     /// A crew that runs nothing but this.
     CCrew& makeCrew()
     {
-        m_ownUnit.assign(1, {noNode, m_child.item, limitOfTest(*m_child.item, m_runner.m_options)});
+        m_ownUnit.assign(1, {noNode, m_child.item, timeLimitOf(*m_child.item, m_runner.m_options)});
         CrewOptions options;
         options.firstSlot = m_runner.processes() + 1;
         options.isCounted = false;
@@ -245,30 +215,9 @@ void CSupervisedRunner::addUnits(NodeIndex parent)
         else if (isRun && !item->isInteractive())
         {
             m_unitOfNode[node] = m_units.size();
-            m_units.push_back({node, item, timeLimitOf(node)});
+            m_units.push_back({node, item, timeLimitOf(node, plan(), m_options)});
         }
     }
-}
-
-/// An item that runs its children itself may take what these may take together.
-std::optional<std::chrono::nanoseconds> CSupervisedRunner::timeLimitOf(NodeIndex node) const
-{
-    CTestTree const& tree = plan().tree();
-    std::chrono::nanoseconds sum(0);
-    for (NodeIndex test = node; test < tree[node].end; ++test)
-    {
-        if (!tree.isLeaf(test) || tree[test].item == nullptr || !plan().isWanted(test))
-        {
-            continue;
-        }
-        auto const limit = limitOfTest(*tree[test].item, m_options);
-        if (!limit)
-        {
-            return std::nullopt;
-        }
-        sum += *limit;
-    }
-    return sum.count() > 0 ? std::optional(sum) : std::nullopt;
 }
 
 std::vector<NodeIndex> CSupervisedRunner::childrenOf(NodeIndex parent) const

@@ -64,7 +64,6 @@ private:
     void noteFlaky(NodeIndex node);
     void tellLeftover(std::string const& command) const;
     unsigned processes() const;
-    std::optional<std::chrono::nanoseconds> timeLimitOf(NodeIndex node) const;
 
     class CUnitSource;
 
