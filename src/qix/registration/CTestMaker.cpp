@@ -5,9 +5,11 @@
 #include "testing/CTestContext.h"
 #include "testing/infos.h"
 
+#include <array>
 #include <cstddef>
 #include <memory_resource>
 #include <mutex>
+#include <new>
 
 namespace qix::detail
 {
@@ -15,11 +17,19 @@ namespace qix::detail
 namespace
 {
 
-/// Arena for registered tests, which are never freed. It is made while the library is loaded,
-/// before any group can be, so it outlives them. Different groups may belong to different threads.
+/// Different groups may belong to different threads.
 std::mutex arenaMutex;
 CForkLock const arenaLockedWhileForking(arenaMutex);
-std::pmr::monotonic_buffer_resource arena;
+
+/// Arena for registered tests, which are never freed. Nor is the arena: a process that ends by
+/// exit() in the middle of a run still has tests, and so has a static object that holds one.
+std::pmr::memory_resource& arena()
+{
+    using Arena = std::pmr::monotonic_buffer_resource;
+    alignas(Arena) static std::array<std::byte, sizeof(Arena)> storage;
+    static auto* const instance = new (storage.data()) Arena;
+    return *instance;
+}
 
 /// A test whose memory is the arena's.
 class CArenaTest : public CTestItem
@@ -33,7 +43,7 @@ public:
     static void* operator new(std::size_t size)
     {
         std::lock_guard<std::mutex> const lock(arenaMutex);
-        return arena.allocate(size);
+        return arena().allocate(size);
     }
 
     static void operator delete(void* /*test*/) noexcept {}
