@@ -191,7 +191,7 @@ void CKeeper::superviseWorker()
     for (reap(); m_worker != 0; reap())
     {
         awaitEvent();
-        if (m_isAsked)
+        if (m_isAsked && isInTest())
         {
             endWorker("the run was interrupted");
         }
@@ -200,6 +200,13 @@ void CKeeper::superviseWorker()
             endTooLong();
         }
     }
+}
+
+/// Behind its test, a process that runs no further one ends by itself. Sanitizers take their time.
+bool CKeeper::isInTest() const noexcept
+{
+    SlotState const& state = m_work.slot.state();
+    return state.isInUnit != 0 && state.isEnding == 0;
 }
 
 void CKeeper::endTooLong()
@@ -347,11 +354,13 @@ void CKeeper::tellEnd()
 {
     SlotState& state = m_work.slot.state();
     bool const hasEndedWell = WIFEXITED(m_status) && WEXITSTATUS(m_status) == EXIT_SUCCESS;
+    // The test may have ended while its process was being ended.
+    bool const isInterrupted = m_isAsked && !m_reason.empty();
     if (state.isInUnit != 0)
     {
         tellDeath();
     }
-    else if (!hasEndedWell)
+    else if (!hasEndedWell && !isInterrupted)
     {
         m_work.crew.hasEndedBadly = 1;
         std::fprintf(stderr, "Error: behind its last test, %s\n",

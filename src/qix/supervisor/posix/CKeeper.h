@@ -38,6 +38,7 @@ private:
     void reap();
     std::string describeTimeUp() const;
     bool isTimeUp() const;
+    bool isInTest() const noexcept;
     void endTooLong();
     void endWorker(std::string const& reason);
     void awaitEnd(std::chrono::nanoseconds longest);
