@@ -64,6 +64,7 @@ FAULTS = {
 PASSING = ["daemon", "openPipe", "clockSetBack", "muchOutput", "closedDescriptors", "comma", "threads",
            "flaky", "staticDestructor"]
 STATUS = {"staticDestructor": 2}
+SOURCE = Path(__file__).resolve().parents[2]
 WAYS = [["--jobs=2"], ["--isolate"]]
 SHOWN_WAY = WAYS[1]
 # What the page tells of, in its order.
@@ -191,7 +192,8 @@ def shown(lines):
 
 
 def row(title, result):
-    output, errors = (each[-MOST_BYTES:].decode(errors="replace")
+    # The folder of the sources may have a blank, which ends the names of files in stacks.
+    output, errors = (each[-MOST_BYTES:].decode(errors="replace").replace(f"{SOURCE}/", "")
                       for each in (result.stdout, result.stderr))
     counts = re.findall(r"^\d+ OK, \d+ Failed, \d+ Aborted, \d+ Skipped$", output, re.MULTILINE)
     lines = [line for line in errors.splitlines() if line.startswith("Error: ")]
