@@ -1,8 +1,8 @@
 #include "reporters/xmlText.h"
 
+#include "text/CPlainBytes.h"
 #include "text/utf8.h"
 
-#include <array>
 #include <cstdint>
 
 namespace qix
@@ -28,30 +28,9 @@ bool isForbidden(char32_t code) noexcept
     return isControl || code == 0xFFFE || code == 0xFFFF;
 }
 
-/// For each byte whether it means the same everywhere in a document. A line end is no blank in an
-/// attribute, and a question mark may close the instruction that hides a record.
-constexpr std::array<bool, 256> makePlainFlags() noexcept
-{
-    std::array<bool, 256> flags = {};
-    for (unsigned byte = 0x20; byte < 0x7F; ++byte)
-    {
-        flags[byte] =
-            byte != '<' && byte != '>' && byte != '&' && byte != '"' && byte != '\'' && byte != '?';
-    }
-    return flags;
-}
-
-constexpr std::array<bool, 256> plainFlags = makePlainFlags();
-
-std::size_t countPlain(std::string_view text) noexcept
-{
-    std::size_t count = 0;
-    while (count < text.size() && plainFlags[static_cast<unsigned char>(text[count])])
-    {
-        ++count;
-    }
-    return count;
-}
+/// What means the same everywhere in a document. A line end is no blank in an attribute, and a
+/// question mark may close the instruction that hides a record.
+constexpr CPlainBytes plainBytes("<>&\"'?");
 
 void append(std::string& xml, char32_t code)
 {
@@ -84,7 +63,7 @@ void appendXmlText(std::string& xml, std::string_view text)
 {
     while (!text.empty())
     {
-        std::size_t const plain = countPlain(text);
+        std::size_t const plain = plainBytes.countIn(text);
         xml += text.substr(0, plain);
         text.remove_prefix(plain);
         text.remove_prefix(text.empty() ? 0 : appendFirst(xml, text));

@@ -1,5 +1,6 @@
 #include "text/CJsonWriter.h"
 
+#include "text/CPlainBytes.h"
 #include "text/utf8.h"
 
 #include <array>
@@ -14,28 +15,8 @@ namespace
 
 constexpr std::string_view markOfByte = "[NON-UTF-8-BYTE-0x";
 
-/// For each byte whether it stands for itself in a text; a bracket may begin a mark.
-constexpr std::array<bool, 256> makePlainFlags() noexcept
-{
-    std::array<bool, 256> flags = {};
-    for (unsigned byte = 0x20; byte < 0x7F; ++byte)
-    {
-        flags[byte] = byte != '"' && byte != '\\' && byte != '[';
-    }
-    return flags;
-}
-
-constexpr std::array<bool, 256> plainFlags = makePlainFlags();
-
-std::size_t countPlain(std::string_view text) noexcept
-{
-    std::size_t count = 0;
-    while (count < text.size() && plainFlags[static_cast<unsigned char>(text[count])])
-    {
-        ++count;
-    }
-    return count;
-}
+/// What stands for itself in a text; a bracket may begin a mark.
+constexpr CPlainBytes plainBytes("\"\\[");
 
 void appendHexadecimal(std::string& text, unsigned char byte)
 {
@@ -96,7 +77,7 @@ void appendJsonText(std::string& json, std::string_view text)
     json += '"';
     while (!text.empty())
     {
-        std::size_t const plain = countPlain(text);
+        std::size_t const plain = plainBytes.countIn(text);
         json += text.substr(0, plain);
         text.remove_prefix(plain);
         text.remove_prefix(text.empty() ? 0 : appendFirst(json, text));
